@@ -34,8 +34,8 @@ inline bool fn_is_unicode_ready([[maybe_unused]] PyObject* text) {
 #endif
 }
 
-/// Takes the pending exception off the error state: a new reference to the exception object, which carries its
-/// traceback, or null when none is pending.
+/// Takes the pending exception off the error state: a new reference to the exception object, which carries
+/// its traceback, or null when none is pending.
 [[nodiscard]] inline PyObject* fn_take_pending_error() {
 #if PY_VERSION_HEX >= 0x030C0000
     return PyErr_GetRaisedException();
@@ -72,7 +72,9 @@ inline void fn_restore_pending_error(PyObject* exception) {
 
 /// The dictionary that the type itself holds, borrowed. Null for CPython's own types from 3.12 on, which keep
 /// theirs in the interpreter: whoever looks for a name there takes null for "not found".
-inline PyObject* fn_type_own_dict(const PyTypeObject* type) { return type->tp_dict; }
+inline PyObject* fn_type_own_dict(const PyTypeObject* type) {
+    return type->tp_dict;
+}
 
 /// What a weak reference refers to, as a new reference; null when it is gone (no error set) or on an error.
 [[nodiscard]] inline PyObject* fn_weakref_target(PyObject* reference) {

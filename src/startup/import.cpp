@@ -54,13 +54,14 @@ PyObject* PyShImport_ImportRefModule(const char* importer, const char* module, c
         return nullptr;
     }
     if (PyShVersionAttr_Compare(reference, threshold.get()) < 0) {
-        PyErr_Format(PyExc_ImportError,
-                     "Unable to import module dependencies. Cannot import the %s module. The installed version "
-                     "of the module ('%U') is not compatible with the referenced vesion of the module "
-                     "('%i.%i.%i.%i'). The installed version of the module is not compatible with the module "
-                     "versions < '%U'. Update dendend module '%s' to a latest version.",
-                     module, PyShVersionAttr_GetView(version.get()), reference[0], reference[1], reference[2],
-                     reference[3], PyShVersionAttr_GetView(threshold.get()), importer);
+        PyErr_Format(
+            PyExc_ImportError,
+            "Unable to import module dependencies. Cannot import the %s module. The installed version "
+            "of the module ('%U') is not compatible with the referenced vesion of the module "
+            "('%i.%i.%i.%i'). The installed version of the module is not compatible with the module "
+            "versions < '%U'. Update dendend module '%s' to a latest version.",
+            module, PyShVersionAttr_GetView(version.get()), reference[0], reference[1], reference[2],
+            reference[3], PyShVersionAttr_GetView(threshold.get()), importer);
         return nullptr;
     }
     return found.release();

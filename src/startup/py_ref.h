@@ -4,8 +4,8 @@
 
 #include <utility>
 
-/// One owned reference to a Python object, or none. Made from a reference that is taken over (`steal`) or from
-/// one that stays with its holder (`borrow`); given away only by `release`.
+/// One owned reference to a Python object, or none. Made from a reference that is taken over (`steal`) or
+/// from one that stays with its holder (`borrow`); given away only by `release`.
 class PyRef {
 public:
     PyRef() noexcept = default;

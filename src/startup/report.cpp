@@ -32,10 +32,11 @@ void PyShlErr_ModulePyInitError(const char* module, int code) {
 }
 
 void PyShlErr_DependencyImportError(const char* module) {
-    report(PyExc_ImportError,
-           "Unable to import module dependencies. Cannot import the %s module. The module not found or errors "
-           "occurred while initializing it.",
-           module);
+    report(
+        PyExc_ImportError,
+        "Unable to import module dependencies. Cannot import the %s module. The module not found or errors "
+        "occurred while initializing it.",
+        module);
 }
 
 void PyShlErr_UnableToImportModule(const char* module) {

@@ -2,8 +2,9 @@
 
 #include "startup/cpython.h"
 
-// Reports of a failed start. Each sets an exception (ImportError unless said otherwise) with a fixed text; an error
-// that is already pending becomes its cause and its context. The negative codes tell the step that failed.
+// Reports of a failed start. Each sets an exception (ImportError unless said otherwise) with a fixed text; an
+// error that is already pending becomes its cause and its context. The negative codes tell the step that
+// failed.
 
 void PyShlErr_ModuleInitializationInternalError(int code);
 void PyShlErr_ModuleInitializationInternalError(int code, const char* a);

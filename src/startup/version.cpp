@@ -8,7 +8,9 @@ namespace {
 
 using Parts = std::array<std::int32_t, 4>;
 
-PyShVersionObject* as_version(PyObject* object) { return reinterpret_cast<PyShVersionObject*>(object); }
+PyShVersionObject* as_version(PyObject* object) {
+    return reinterpret_cast<PyShVersionObject*>(object);
+}
 
 Parts parts_of(PyObject* object) {
     const PyShVersionObject* version = as_version(object);
@@ -24,7 +26,9 @@ PyObject* wrpPye_tpsb_version_tp_repr(PyObject* self) {
     return PyUnicode_FromFormat("<%s: %U>", Py_TYPE(self)->tp_name, as_version(self)->view);
 }
 
-PyObject* wrpPye_tpsb_version_tp_str(PyObject* self) { return fn_new_ref(as_version(self)->view); }
+PyObject* wrpPye_tpsb_version_tp_str(PyObject* self) {
+    return fn_new_ref(as_version(self)->view);
+}
 
 /// 32-bit FNV-1a over the sixteen bytes of the fields, least significant byte first.
 Py_hash_t wrpPye_tpsb_version_tp_hash(PyObject* self) {
@@ -45,13 +49,20 @@ PyObject* wrpPye_tpsb_version_tp_richcompare(PyObject* left, PyObject* right, in
     }
     const std::strong_ordering order = parts_of(left) <=> parts_of(right);
     switch (operation) {
-        case Py_LT: return PyBool_FromLong(order < 0);
-        case Py_LE: return PyBool_FromLong(order <= 0);
-        case Py_EQ: return PyBool_FromLong(order == 0);
-        case Py_NE: return PyBool_FromLong(order != 0);
-        case Py_GT: return PyBool_FromLong(order > 0);
-        case Py_GE: return PyBool_FromLong(order >= 0);
-        default: Py_RETURN_NOTIMPLEMENTED;
+        case Py_LT:
+            return PyBool_FromLong(order < 0);
+        case Py_LE:
+            return PyBool_FromLong(order <= 0);
+        case Py_EQ:
+            return PyBool_FromLong(order == 0);
+        case Py_NE:
+            return PyBool_FromLong(order != 0);
+        case Py_GT:
+            return PyBool_FromLong(order > 0);
+        case Py_GE:
+            return PyBool_FromLong(order >= 0);
+        default:
+            Py_RETURN_NOTIMPLEMENTED;
     }
 }
 
@@ -60,7 +71,9 @@ PyObject* get_part(PyObject* self, void*) {
     return PyLong_FromLong(as_version(self)->*Part);
 }
 
-PyObject* get_view(PyObject* self, void*) { return wrpPye_tpsb_version_tp_str(self); }
+PyObject* get_view(PyObject* self, void*) {
+    return wrpPye_tpsb_version_tp_str(self);
+}
 
 PyGetSetDef wrpPye_typd_Version[] = {
     {"major", get_part<&PyShVersionObject::major>, nullptr, nullptr, nullptr},
@@ -108,4 +121,6 @@ int PyShVersionAttr_Compare(const int* reference, PyObject* version) {
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
-PyObject* PyShVersionAttr_GetView(PyObject* version) { return as_version(version)->view; }
+PyObject* PyShVersionAttr_GetView(PyObject* version) {
+    return as_version(version)->view;
+}

@@ -5,11 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
-/// A module's version. Sibling modules read each other's objects by this layout without a type test, so it is a
-/// contract between extension modules.
+/// A module's version. Sibling modules read each other's objects by this layout without a type test, so it is
+/// a contract between extension modules.
 struct PyShVersionObject {
-    PyObject_HEAD
-    std::int32_t major;
+    PyObject_HEAD std::int32_t major;
     std::int32_t minor;
     std::int32_t patch;
     std::int32_t sub;
@@ -23,8 +22,8 @@ static_assert(offsetof(PyShVersionObject, sub) == sizeof(PyObject) + 12);
 static_assert(offsetof(PyShVersionObject, view) == sizeof(PyObject) + 16);
 static_assert(sizeof(PyShVersionObject) == sizeof(PyObject) + 24);
 
-/// The type of this module's version objects. A sibling built over the same core puts its own name into `tp_name`
-/// before it readies the type.
+/// The type of this module's version objects. A sibling built over the same core puts its own name into
+/// `tp_name` before it readies the type.
 extern PyTypeObject* const wrpPye_tyds_FFFFFFFF_ModuleVersion;
 
 /// A new version object; the type must be ready.
