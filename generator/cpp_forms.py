@@ -203,8 +203,8 @@ class Forms:
     def _nullable_result(self, ref: TypeRef) -> Result:
         if ref.kind is Kind.DATETIME:
             # The flag comes first, then room for the ticks and for the offset of local time.
-            outs = (("int has_value = 0;", "&has_value"), ("int64_t out[2] = {};", "out"))
-            return Result("void", outs, "has_value == 0 ? fn_py_return_none() : fn_conv_clr_datetime_to_py_datetime(out)")
+            date_outs = (("int has_value = 0;", "&has_value"), ("int64_t out[2] = {};", "out"))
+            return Result("void", date_outs, "has_value == 0 ? fn_py_return_none() : fn_conv_clr_datetime_to_py_datetime(out)")
         # Preset, so that an entry point that does not fill the flag is served too.
         outs = (("int has_value = 1;", "&has_value"),)
         native = self.enum_value(self.enum(ref)) if ref.kind is Kind.ENUM else "void*"

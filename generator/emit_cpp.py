@@ -131,7 +131,7 @@ class _ModuleWriter:
         add = self.lines.append
         add(HEADER)
         for header in (
-            "collections/interop_wrappers.h", "exchange/host_base.h", "generated/arguments.h", "generated/dispatch.h",
+            "collections/interop_converters.h", "collections/interop_wrappers.h", "exchange/host_base.h", "generated/arguments.h", "generated/dispatch.h",
             "generated/enum_family.h", "generated/indexers.h", "generated/module_tree.h", "generics.h",
             "marshal/bytes.h", "marshal/byref.h", "marshal/datetime.h", "marshal/nullable.h", "marshal/numbers.h",
             "marshal/records.h", "marshal/scope_guards.h", "marshal/strings.h", "marshal/version_tuple.h",

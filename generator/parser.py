@@ -302,7 +302,8 @@ def _link(catalogue: Catalogue) -> None:
                 raise CatalogueError(wrapped.place, f"'{wrapped.name}' derives from itself")
             seen.add(base.name)
     tags: dict[str, str] = {}
-    for item in (*types.values(), *catalogue.enums.values()):
+    everything: list[WrappedType | EnumType] = [*types.values(), *catalogue.enums.values()]
+    for item in everything:
         if item.tag in tags:
             raise CatalogueError(item.place, f"tag {item.tag} of '{item.name}' belongs to '{tags[item.tag]}'")
         tags[item.tag] = item.name

@@ -45,7 +45,7 @@ Look look_at(const ParameterSpec& parameter, PyObject* value) {
             }
             return is_plain_type(type) ? Look::no : Look::unknown;
         case Accepts::variant:
-            return value == Py_None || is_plain_type(type) && type != &PyDict_Type ? Look::yes : Look::unknown;
+            return value == Py_None || (is_plain_type(type) && type != &PyDict_Type) ? Look::yes : Look::unknown;
         case Accepts::enumeration:
             return decided(type == *parameter.enum_type || PyType_IsSubtype(type, *parameter.enum_type));
         case Accepts::object:
