@@ -1,0 +1,18 @@
+using System;
+using System.Collections.Generic;
+
+namespace Velbor.Voxlar.Formats;
+
+/// <summary>Which formats this build can read and write: one row a format.</summary>
+internal static class FormatRegistry
+{
+    /// <summary>The factories of a format; null where it cannot be read or written.</summary>
+    internal readonly record struct Row(Func<ISceneReader>? Reader, Func<ISceneWriter>? Writer);
+
+    private static readonly Dictionary<FileFormat, Row> Rows = new()
+    {
+    };
+
+    /// <summary>The row of a format; an empty one for formats that are neither read nor written.</summary>
+    public static Row Find(FileFormat format) => Rows.GetValueOrDefault(format);
+}

@@ -1,0 +1,123 @@
+using System;
+using System.IO;
+using System.IO.Compression;
+using Velbor.Voxlar.Formats;
+
+namespace Velbor.Voxlar.Utilities;
+
+/// <summary>
+/// The files in a ZIP archive. An archive that is only read stays as it is; the first file that is written makes it
+/// an archive under change, which is stored when the file system is disposed.
+/// </summary>
+public class ZipArchiveFileSystem : FileSystem
+{
+    // What one entry may unpack to: as much as one byte array can hold. Entries are read through a limited stream,
+    // so a false size in the directory does not matter.
+    private const long MaxEntrySize = int.MaxValue;
+
+    private readonly Stream _stream;
+    private readonly bool _ownsStream;
+    private readonly string _baseDir;
+    private ZipArchive? _archive;
+    private bool _disposed;
+
+    /// <summary>Serves the files below one folder of the archive in a stream, which stays open afterwards.</summary>
+    /// <param name="stream">The archive; an empty stream that can be written starts a new one.</param>
+    /// <param name="baseDir">The folder inside the archive; null or empty for its root.</param>
+    public ZipArchiveFileSystem(Stream stream, string? baseDir)
+    {
+        ArgumentNullException.ThrowIfNull(stream);
+        _stream = stream;
+        _baseDir = string.IsNullOrEmpty(baseDir) ? "" : string.Join('/', ConfinedPath.Split(baseDir)) + "/";
+    }
+
+    /// <summary>Serves the files of the archive in a stream, which stays open afterwards.</summary>
+    public ZipArchiveFileSystem(Stream stream)
+        : this(stream, null)
+    {
+    }
+
+    /// <summary>Serves the files of an archive; a missing archive is made.</summary>
+    public ZipArchiveFileSystem(string fileName)
+        : this(Open(fileName), null)
+    {
+        _ownsStream = true;
+    }
+
+    /// <summary>Opens a file of the archive.</summary>
+    /// <exception cref="FileNotFoundException">There is no such file.</exception>
+    /// <exception cref="InvalidDataException">The stream holds no ZIP archive or the file is damaged.</exception>
+    public override Stream ReadFile(string fileName, IOConfig? options)
+    {
+        string key = Key(fileName);
+        ZipArchiveEntry? entry = IsEmpty && _archive is null ? null : Archive(write: false).GetEntry(key);
+        if (entry is null)
+            throw new FileNotFoundException($"The archive has no file '{fileName}'.", fileName);
+        using Stream packed = entry.Open();
+        MemoryStream content = new();
+        byte[] buffer = new byte[81920];
+        for (int count; (count = packed.Read(buffer, 0, buffer.Length)) > 0;)
+        {
+            if (content.Length + count > MaxEntrySize)
+                throw new InvalidDataException($"The file '{fileName}' in the archive is too large.");
+            content.Write(buffer, 0, count);
+        }
+        content.Position = 0;
+        return content;
+    }
+
+    /// <summary>Makes a file in the archive, in place of one of the same name.</summary>
+    /// <exception cref="NotSupportedException">The stream of the archive cannot be changed.</exception>
+    public override Stream WriteFile(string fileName, IOConfig? options)
+    {
+        string key = Key(fileName);
+        ZipArchive archive = Archive(write: true);
+        return new CommittingStream(bytes =>
+        {
+            archive.GetEntry(key)?.Delete();
+            using Stream target = archive.CreateEntry(key).Open();
+            target.Write(bytes);
+        });
+    }
+
+    /// <inheritdoc/>
+    protected override void Dispose(bool disposing)
+    {
+        if (_disposed)
+            return;
+        _disposed = true;
+        _archive?.Dispose();
+        if (_ownsStream)
+            _stream.Dispose();
+    }
+
+    private bool IsEmpty => _stream.CanSeek && _stream.Length == 0;
+
+    private static FileStream Open(string fileName)
+    {
+        ArgumentException.ThrowIfNullOrEmpty(fileName);
+        FileInfo file = new(fileName);
+        bool writable = !file.Exists || !file.IsReadOnly;
+        return new FileStream(
+            fileName,
+            writable ? FileMode.OpenOrCreate : FileMode.Open,
+            writable ? FileAccess.ReadWrite : FileAccess.Read,
+            FileShare.Read);
+    }
+
+    private string Key(string fileName) => _baseDir + string.Join('/', ConfinedPath.Split(fileName));
+
+    private ZipArchive Archive(bool write)
+    {
+        ObjectDisposedException.ThrowIf(_disposed, this);
+        if (_archive is not null && (!write || _archive.Mode == ZipArchiveMode.Update))
+            return _archive;
+        if (write && !(_stream.CanRead && _stream.CanWrite && _stream.CanSeek))
+            throw new NotSupportedException("The stream of the archive must be readable, writable and seekable.");
+        _archive?.Dispose();
+        if (_stream.CanSeek)
+            _stream.Position = 0;
+        _archive = new ZipArchive(_stream, write ? ZipArchiveMode.Update : ZipArchiveMode.Read, leaveOpen: true);
+        return _archive;
+    }
+}
