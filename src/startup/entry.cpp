@@ -111,7 +111,7 @@ PyMODINIT_FUNC PyInit_voxlar(void) {
     if (wrpPye_mlit_FFFFFFFF_common_wrappers(module.get()) == nullptr) {
         return fail(-1005);
     }
-    if (PyShModule_AddType(module.get(), &wrpPye_tyds_FFFFFFFF_ModuleVersion, "_ModuleVersionType") < 0) {
+    if (PyShModule_AddType(module.get(), wrpPye_tyds_FFFFFFFF_ModuleVersion, "_ModuleVersionType") < 0) {
         return fail(-1004);
     }
     if (!add_version(module.get(), "VERSION", 23, 8, "23.8.0.0")) {
