@@ -1,0 +1,120 @@
+using System;
+using System.Reflection;
+using System.Runtime.CompilerServices;
+using System.Text;
+
+namespace Velbor.WrpGen.Interop;
+
+/// <summary>A Python exception that ended a callback; the message is Python's own text of it, traceback included.</summary>
+internal sealed class PythonException : Exception
+{
+    public PythonException(string message)
+        : base(message)
+    {
+    }
+}
+
+/// <summary>
+/// A Python exception is pending and shall reach the caller as it is: the entry point only has to return. Used where a
+/// value of a result cannot be made, since nothing managed can act on that.
+/// </summary>
+internal sealed class PendingPythonException : Exception
+{
+}
+
+/// <summary>Carries exceptions over the boundary, in both directions.</summary>
+internal static unsafe class Errors
+{
+    /// <summary>Turns a managed exception into the Python exception that the native caller finds pending.</summary>
+    [MethodImpl(MethodImplOptions.NoInlining)]
+    public static void Report(Exception error)
+    {
+        if (error is PendingPythonException)
+        {
+            return;
+        }
+
+        Exception cause = error is TargetInvocationException { InnerException: { } inner } ? inner : error;
+        PyObject* kind = Text(cause.GetType().Name);
+        PyObject* message = Text(FullMessage(cause));
+        PyCallbacks.on_clr_exception(kind, message);
+    }
+
+    /// <summary>Reports the exception and gives the value that the entry point answers with.</summary>
+    [MethodImpl(MethodImplOptions.NoInlining)]
+    public static int Report(Exception error, int answer)
+    {
+        Report(error);
+        return answer;
+    }
+
+    /// <summary>The exception that stands for the pending Python error, which is cleared.</summary>
+    [MethodImpl(MethodImplOptions.NoInlining)]
+    public static PythonException TakePending()
+    {
+        PyObject* owner = null;
+        PyStringArg value = default;
+        if (PyCallbacks.fn_catch_and_clear_py_error(&owner, &value) != 0)
+        {
+            return new PythonException("A Python callback failed and left no text.");
+        }
+
+        string text = Strings.Read(&value) ?? "";
+        PyCallbacks.fn_xdec_ref(owner);
+        return new PythonException(text);
+    }
+
+    /// <summary>Throws when a callback's status says that a Python error is pending.</summary>
+    public static void Check(int status)
+    {
+        if (status < 0)
+        {
+            throw TakePending();
+        }
+    }
+
+    /// <summary>The message of an exception and of all that stand behind it.</summary>
+    public static string FullMessage(Exception error)
+    {
+        StringBuilder text = new(error.Message);
+        Append(text, error, 0);
+        return text.ToString();
+    }
+
+    private static void Append(StringBuilder text, Exception error, int depth)
+    {
+        const int deepest = 32;
+        if (depth == deepest)
+        {
+            return;
+        }
+
+        if (error is AggregateException several)
+        {
+            foreach (Exception one in several.InnerExceptions)
+            {
+                AppendOne(text, one, depth);
+            }
+        }
+        else if (error.InnerException is { } inner)
+        {
+            AppendOne(text, inner, depth);
+        }
+    }
+
+    private static void AppendOne(StringBuilder text, Exception error, int depth)
+    {
+        text.Append(" ---> ").Append(error.GetType().Name).Append(": ").Append(error.Message);
+        Append(text, error, depth + 1);
+    }
+
+    /// <summary>A Python string for a report; a text that Python cannot hold is mended, and null is allowed.</summary>
+    private static PyObject* Text(string text)
+    {
+        string whole = Strings.Mend(text);
+        fixed (char* chars = whole)
+        {
+            return PyCallbacks.fn_conv_clr_string_to_py_unraisable(chars, whole.Length);
+        }
+    }
+}

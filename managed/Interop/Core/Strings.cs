@@ -1,0 +1,101 @@
+using System;
+using System.Runtime.InteropServices;
+using System.Text;
+
+namespace Velbor.WrpGen.Interop;
+
+/// <summary>Text in both directions.</summary>
+internal static unsafe class Strings
+{
+    /// <summary>The text that a record points to, null for a null string.</summary>
+    public static string? Read(PyStringArg* text)
+    {
+        if (text->Length < 0)
+        {
+            return null;
+        }
+
+        return text->Length == 0
+            ? ""
+            : text->CharSize switch
+            {
+                1 => Encoding.Latin1.GetString((byte*)text->Chars, text->Length),
+                2 => new string((char*)text->Chars, 0, text->Length),
+                4 => FromCodePoints((uint*)text->Chars, text->Length),
+                _ => throw new ArgumentException($"A character of {text->CharSize} bytes is unknown."),
+            };
+    }
+
+    /// <summary>A new Python string, `None` for null; null with the Python error pending when it cannot be made.</summary>
+    public static PyObject* Write(string? text)
+    {
+        if (text == null)
+        {
+            return PyCallbacks.fn_get_py_none();
+        }
+
+        fixed (char* chars = text)
+        {
+            return PyCallbacks.fn_conv_clr_string_to_py_string(chars, text.Length);
+        }
+    }
+
+    /// <summary>The text with each unpaired surrogate replaced, which Python's decoder would refuse.</summary>
+    public static string Mend(string text)
+    {
+        for (int at = 0; at < text.Length; at++)
+        {
+            if (!char.IsSurrogate(text[at]))
+            {
+                continue;
+            }
+
+            if (at + 1 >= text.Length || !char.IsSurrogatePair(text[at], text[at + 1]))
+            {
+                StringBuilder mended = new(text.Length);
+                foreach (Rune rune in text.EnumerateRunes())
+                {
+                    mended.Append(rune.ToString());
+                }
+
+                return mended.ToString();
+            }
+
+            at++;
+        }
+
+        return text;
+    }
+
+    private static string FromCodePoints(uint* points, int count)
+    {
+        int units = count;
+        for (int i = 0; i < count; i++)
+        {
+            if (points[i] > char.MaxValue)
+            {
+                units++;
+            }
+        }
+
+        return string.Create(units, (Points: (nint)points, count), static (span, source) =>
+        {
+            uint* from = (uint*)source.Points;
+            int at = 0;
+            for (int i = 0; i < source.count; i++)
+            {
+                uint point = from[i];
+                if (point <= char.MaxValue)
+                {
+                    span[at++] = (char)point;
+                }
+                else
+                {
+                    point -= 0x10000;
+                    span[at++] = (char)(0xD800 + (point >> 10));
+                    span[at++] = (char)(0xDC00 + (point & 0x3FF));
+                }
+            }
+        });
+    }
+}

@@ -1,0 +1,227 @@
+using System;
+using System.IO;
+using System.Runtime.InteropServices;
+
+namespace Velbor.WrpGen.Interop;
+
+/// <summary>Streams.</summary>
+internal static unsafe class SiApiStream
+{
+    [UnmanagedCallersOnly]
+    public static byte CanRead(void* self)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).CanRead ? (byte)1 : (byte)0;
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+            return default;
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static byte CanSeek(void* self)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).CanSeek ? (byte)1 : (byte)0;
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+            return default;
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static byte CanWrite(void* self)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).CanWrite ? (byte)1 : (byte)0;
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+            return default;
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static long Length(void* self)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).Length;
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static long Position(void* self)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).Position;
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static void Close(void* self)
+    {
+        try
+        {
+            ((Stream)Handles.Get(self)).Close();
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static void Flush(void* self)
+    {
+        try
+        {
+            ((Stream)Handles.Get(self)).Flush();
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+        }
+    }
+
+    /// <summary>One read straight into the caller's memory; it may come back short.</summary>
+    [UnmanagedCallersOnly]
+    public static int Read(void* self, void* buffer, int count)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).Read(new Span<byte>(buffer, count));
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+
+    /// <summary>The origins have the numbers of Python's.</summary>
+    [UnmanagedCallersOnly]
+    public static long Seek(void* self, long offset, int whence)
+    {
+        try
+        {
+            return ((Stream)Handles.Get(self)).Seek(offset, (SeekOrigin)whence);
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+
+    /// <summary>Cuts or extends, at the position if the caller says so.</summary>
+    [UnmanagedCallersOnly]
+    public static long SetLength(void* self, int usePosition, long size)
+    {
+        try
+        {
+            Stream stream = (Stream)Handles.Get(self);
+            long length = usePosition != 0 ? stream.Position : size;
+            stream.SetLength(length);
+            return length;
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static void Write(void* self, void* buffer, int count)
+    {
+        try
+        {
+            ((Stream)Handles.Get(self)).Write(new ReadOnlySpan<byte>(buffer, count));
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+        }
+    }
+
+    /// <summary>The caller gives a handle or the address of a record.</summary>
+    [UnmanagedCallersOnly]
+    public static int btp_IsAssignable(void* handleOrRecord)
+    {
+        try
+        {
+            return Casts.IsInstanceOfEither<Stream>(handleOrRecord);
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, 0);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static int btp_TypeOf(void** result)
+    {
+        try
+        {
+            return Casts.TypeOf(typeof(Stream), result);
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, 0);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static int btp_CastTo(VariantArg* value, void** result)
+    {
+        try
+        {
+            return Casts.ToReference<Stream>(value, result);
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static int btp_ReInterpretObj(void* handle, void** result)
+    {
+        try
+        {
+            return Casts.ReinterpretReference<Stream>(handle, result);
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, 0);
+        }
+    }
+
+    [UnmanagedCallersOnly]
+    public static int btp_CastAs(VariantArg* value, void** result)
+    {
+        try
+        {
+            return Casts.AsReference<Stream>(value, result);
+        }
+        catch (Exception e)
+        {
+            return Errors.Report(e, -1);
+        }
+    }
+}
