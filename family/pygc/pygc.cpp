@@ -25,7 +25,11 @@ PyObject* ask_collector(Call call) {
 }
 
 PyObject* collect(PyObject*, PyObject*) {
-    return ask_collector([](const CollectorHost& host) { return host.Collect(); });
+    if (fn_invalidate_api<CollectorHost>() || CollectorHost::get_instance().Collect() < 0 ||
+        PyErr_Occurred() != nullptr) {
+        return nullptr;
+    }
+    Py_RETURN_NONE;
 }
 
 PyObject* living_handles(PyObject*, PyObject*) {
@@ -40,7 +44,7 @@ PyMethodDef functions[] = {
     {"collect", collect, METH_NOARGS,
      "collect()\n--\n\nRuns the managed collector with its finalizers, and gives back every Python object "
      "that\n"
-     "managed code no longer uses. Gives the number of those references."},
+     "managed code no longer uses."},
     {"living_handles", living_handles, METH_NOARGS,
      "living_handles()\n--\n\nHow many managed objects the wrappers of this process hold."},
     {"total_memory", total_memory, METH_NOARGS,
