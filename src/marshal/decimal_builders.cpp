@@ -121,6 +121,7 @@ void DecimalArgOutBuilder::imul_and_add(std::uint32_t factor, std::uint32_t adde
 }
 
 void DecimalArgOutBuilder::round_last(std::uint64_t& group, std::uint64_t factor) {
+    // To even by the group alone: a digit that stands alone in its group has 0 before it, so a tie goes down.
     const std::uint64_t digit = group % 10;
     group /= 10;
     if (digit > 5 || (digit == 5 && (group & 1) != 0)) {
