@@ -280,24 +280,25 @@ private:
     }
 };
 
-// Rows of a method table. The order inside a family is what `dir`-less tools and stubs show, and is kept.
+// Rows of a method table. Their order inside a family is fixed.
+// clang-format off
 
 /// After `get_type`, on classes, structs, interfaces and generic wrappers.
-#define VELBOR_CLASS_CAST_ROWS(Casts)                                                \
-    {"_type_of", Casts::type_of, METH_NOARGS | METH_STATIC, nullptr},                \
-        {"_cast_to", Casts::cast_to, METH_O | METH_STATIC, nullptr},                 \
-        {"_cast_from", Casts::cast_from, METH_O, nullptr},                           \
-        {"_reinterpret_obj", Casts::reinterpret_obj, METH_O | METH_STATIC, nullptr}, \
-        {"_cast_as", Casts::cast_as, METH_O | METH_STATIC, nullptr}, {               \
-        "_is_assignable", Casts::is_assignable, METH_O | METH_STATIC, nullptr        \
-    }
+#define VELBOR_CLASS_CAST_ROWS(Casts) \
+    {"_type_of", Casts::type_of, METH_NOARGS | METH_STATIC, nullptr}, \
+    {"_cast_to", Casts::cast_to, METH_O | METH_STATIC, nullptr}, \
+    {"_cast_from", Casts::cast_from, METH_O, nullptr}, \
+    {"_reinterpret_obj", Casts::reinterpret_obj, METH_O | METH_STATIC, nullptr}, \
+    {"_cast_as", Casts::cast_as, METH_O | METH_STATIC, nullptr}, \
+    {"_is_assignable", Casts::is_assignable, METH_O | METH_STATIC, nullptr}
 
 /// After `get_type`, on interop wrappers.
-#define VELBOR_INTEROP_CAST_ROWS(Casts)                                                \
-    {"_type_of", Casts::type_of, METH_NOARGS | METH_STATIC, nullptr},                  \
-        {"_cast_to", Casts::cast_to, METH_O | METH_STATIC, nullptr},                   \
-        {"_cast_from", Casts::cast_from, METH_O, nullptr},                             \
-        {"_is_assignable", Casts::is_assignable, METH_O | METH_STATIC, nullptr},       \
-        {"_reinterpret_obj", Casts::reinterpret_obj, METH_O | METH_STATIC, nullptr}, { \
-        "_cast_as", Casts::cast_as, METH_O | METH_STATIC, nullptr                      \
-    }
+#define VELBOR_INTEROP_CAST_ROWS(Casts) \
+    {"_type_of", Casts::type_of, METH_NOARGS | METH_STATIC, nullptr}, \
+    {"_cast_to", Casts::cast_to, METH_O | METH_STATIC, nullptr}, \
+    {"_cast_from", Casts::cast_from, METH_O, nullptr}, \
+    {"_is_assignable", Casts::is_assignable, METH_O | METH_STATIC, nullptr}, \
+    {"_reinterpret_obj", Casts::reinterpret_obj, METH_O | METH_STATIC, nullptr}, \
+    {"_cast_as", Casts::cast_as, METH_O | METH_STATIC, nullptr}
+
+// clang-format on

@@ -1,0 +1,1 @@
+target_sources(${UNIT} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/support/managed_side.cpp")
