@@ -4,6 +4,7 @@ using System.IO;
 using System.IO.Compression;
 using System.Text;
 using System.Text.RegularExpressions;
+using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats;
 
@@ -204,9 +205,11 @@ internal static partial class FormatDetector
 
     private static FileFormat Archive(Stream stream)
     {
+        // An archive counts its places from the start of the stream.
+        using MemoryStream? rest = stream.Position == 0 ? null : new MemoryStream(IOUtils.ReadToEnd(stream));
         try
         {
-            using ZipArchive archive = new(stream, ZipArchiveMode.Read, leaveOpen: true);
+            using ZipArchive archive = new(rest ?? stream, ZipArchiveMode.Read, leaveOpen: true);
             bool first = true;
             foreach (ZipArchiveEntry entry in archive.Entries)
             {
