@@ -117,6 +117,27 @@ public class FileFormatTests
     }
 
     [Fact]
+    public void GuessGivesWayToTheExtension()
+    {
+        using MemoryStream text = new(Encoding.UTF8.GetBytes("# comment\nv 1 2 3\n"));
+        Assert.Same(FileFormat.WavefrontOBJ, FileFormat.Detect(text, null));
+        Assert.Same(FileFormat.WavefrontOBJ, FileFormat.Detect(text, "a.none"));
+        Assert.Same(FileFormat.Xyz, FileFormat.Detect(text, "a.xyz"));
+        using MemoryStream solid = new(Encoding.UTF8.GetBytes("solid x\nfacet normal 0 0 1\n"));
+        Assert.Same(FileFormat.STLASCII, FileFormat.Detect(solid, "a.stl"));
+        using MemoryStream ply = new(Encoding.UTF8.GetBytes("ply\nformat ascii 1.0\n"));
+        Assert.Same(FileFormat.PLY, FileFormat.Detect(ply, "a.obj"));
+    }
+
+    [Fact]
+    public void AssetBehindLongTablesIsFound()
+    {
+        string table = new('x', 300_000);
+        using MemoryStream stream = new(Encoding.UTF8.GetBytes($"{{\"extras\":\"{table}\",\"asset\":{{\"version\":\"2.0\"}}}}"));
+        Assert.Same(FileFormat.GLTF2, FileFormat.Detect(stream, null));
+    }
+
+    [Fact]
     public void DetectNeedsASeekableStream()
     {
         using MemoryStream closed = new();

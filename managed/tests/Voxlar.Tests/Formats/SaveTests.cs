@@ -51,6 +51,30 @@ public class SaveTests
     }
 
     [Fact]
+    public void LinkStaysAndItsTargetGetsTheContent()
+    {
+        using TemporaryFolder folder = new();
+        File.WriteAllText(folder.File("real.obj"), "old");
+        File.CreateSymbolicLink(folder.File("link.obj"), folder.File("real.obj"));
+        using SaveTransaction files = new(folder.Path);
+        files.Begin(folder.File("link.obj")).WriteByte(1);
+        files.Commit();
+        Assert.Equal(new byte[] { 1 }, File.ReadAllBytes(folder.File("real.obj")));
+        Assert.NotNull(new FileInfo(folder.File("link.obj")).LinkTarget);
+    }
+
+    [Fact]
+    public void DeviceIsWrittenToAndNotReplaced()
+    {
+        using SaveTransaction files = new("/dev");
+        files.Begin("/dev/null").WriteByte(1);
+        files.Commit();
+        using FileStream still = new("/dev/null", FileMode.Open, FileAccess.Read);
+        Assert.Equal(-1, still.ReadByte());
+        Assert.Empty(Directory.GetFiles("/dev", ".null*"));
+    }
+
+    [Fact]
     public void MainFileNeedsItsFolder()
     {
         using TemporaryFolder folder = new();
