@@ -34,14 +34,6 @@ public:
         m_entries[std::string(managed_class) + "." + method] = reinterpret_cast<void*>(entry);
     }
 
-    /// Takes an entry point back.
-    void withdraw(const char* managed_class, const char* method) {
-        m_entries.erase(std::string(managed_class) + "." + method);
-    }
-
-    /// The methods that were looked up, in order.
-    std::vector<std::string> looked_up;
-
     /// A new handle.
     void* make(ManagedObject object = {});
     ManagedObject& at(void* handle);
@@ -62,7 +54,7 @@ public:
     bool without_text = false;
 
     /// Looks up an entry point: 0, or the status of a missing method.
-    std::int32_t resolve(const char* type, const char* method, void** delegate);
+    std::int32_t resolve(const char* type, const char* method, void** delegate) const;
 
 private:
     std::map<std::string, void*> m_entries;
@@ -75,7 +67,7 @@ class ManagedTest : public ::testing::Test {
 protected:
     ManagedTest() : managed(ManagedSide::start()) {}
     void TearDown() override {
-        python.clear();
+        python = PythonNamespace();
         EXPECT_EQ(managed.living(), 0u);
         EXPECT_EQ(take_error(), "");
     }
