@@ -253,7 +253,8 @@ ManagedSide& ManagedSide::start() {
     return instance;
 }
 
-std::int32_t ManagedSide::resolve(const char* type, const char* method, void** delegate) const {
+std::int32_t ManagedSide::resolve(const char* type, const char* method, void** delegate) {
+    looked_up.push_back(method);
     const auto found = m_entries.find(std::string(type) + "." + method);
     if (found == m_entries.end()) {
         return static_cast<int>(0x80131513);

@@ -34,6 +34,14 @@ public:
         m_entries[std::string(managed_class) + "." + method] = reinterpret_cast<void*>(entry);
     }
 
+    /// Takes an entry point back.
+    void withdraw(const char* managed_class, const char* method) {
+        m_entries.erase(std::string(managed_class) + "." + method);
+    }
+
+    /// The methods that were looked up, in order.
+    std::vector<std::string> looked_up;
+
     /// A new handle.
     void* make(ManagedObject object = {});
     ManagedObject& at(void* handle);
@@ -54,7 +62,7 @@ public:
     bool without_text = false;
 
     /// Looks up an entry point: 0, or the status of a missing method.
-    std::int32_t resolve(const char* type, const char* method, void** delegate) const;
+    std::int32_t resolve(const char* type, const char* method, void** delegate);
 
 private:
     std::map<std::string, void*> m_entries;
@@ -67,7 +75,7 @@ class ManagedTest : public ::testing::Test {
 protected:
     ManagedTest() : managed(ManagedSide::start()) {}
     void TearDown() override {
-        python = PythonNamespace();
+        python.clear();
         EXPECT_EQ(managed.living(), 0u);
         EXPECT_EQ(take_error(), "");
     }

@@ -10,6 +10,13 @@ public:
         name("__name__", PyUnicode_FromString("test"));
     }
 
+    PythonNamespace(const PythonNamespace&) = delete;
+    PythonNamespace& operator=(const PythonNamespace&) = delete;
+    ~PythonNamespace() { clear(); }
+
+    /// Drops all names: functions that were defined here would keep them alive.
+    void clear() { PyDict_Clear(m_names.get()); }
+
     /// Gives an object a name; the reference is taken over.
     void name(const char* text, PyObject* object) {
         PyDict_SetItemString(m_names.get(), text, object);
