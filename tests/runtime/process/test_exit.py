@@ -55,6 +55,38 @@ def test_a_daemon_thread_inside_managed_code(run: Callable) -> None:
     expect(result, 0)
 
 
+def test_a_daemon_thread_that_wakes_in_a_callback_while_python_ends(run: Callable) -> None:
+    """Python ends such a thread when it asks for the global lock, with managed frames on its stack."""
+    result = run(
+        """
+        import builtins, io, sys, threading, time
+        import velbor.voxlar as voxlar
+
+        class Slow(io.RawIOBase):
+            def readable(self): return True
+            def seekable(self): return True
+            def tell(self): return 0
+            def seek(self, offset, whence=0): return 1000 if whence == 2 else 0
+            def readinto(self, buffer):
+                entered.set()
+                time.sleep(0.3)
+                print("woken too early")
+                return 0
+
+        class EndsLate:
+            def __init__(self): self.sleep = time.sleep
+            def __del__(self): self.sleep(1.0)
+
+        entered = threading.Event()
+        threading.Thread(target=lambda: voxlar.FileFormat.detect(Slow(), "x.obj"), daemon=True).start()
+        entered.wait()
+        builtins.kept_to_the_end = EndsLate()
+        sys.exit(4)
+        """
+    )
+    expect(result, 4)
+
+
 def test_a_thread_that_has_ended_its_managed_calls(run: Callable) -> None:
     result = run(
         """
