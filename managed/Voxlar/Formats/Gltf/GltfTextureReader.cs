@@ -82,7 +82,7 @@ internal sealed class GltfTextureReader
         }
         Image? image = source < 0 ? null : read[source] ??= ReadImage(source);
         string? name = json.StringOrNull("name");
-        var texture = new Texture(name ?? image?.Name ?? string.Empty)
+        var texture = new Texture(name ?? image?.Name ?? Path.GetFileNameWithoutExtension(image?.FileName) ?? string.Empty)
         {
             FileName = image?.FileName,
             Content = image?.Content,

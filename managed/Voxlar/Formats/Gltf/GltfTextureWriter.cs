@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using System.IO;
 using System.Text.Json.Nodes;
 using Velbor.Voxlar.Shading;
 
@@ -54,7 +55,8 @@ internal sealed class GltfTextureWriter
         if (textureOf.TryGetValue(key, out int known))
             return known;
         var json = new JsonObject { ["sampler"] = sampler };
-        if (texture.Name.Length > 0)
+        // A texture without a name goes by the name of its image.
+        if (texture.Name.Length > 0 && (image < 0 || texture.Name != ImageNameOf(texture)))
             json["name"] = texture.Name;
         if (image >= 0)
         {
@@ -107,22 +109,26 @@ internal sealed class GltfTextureWriter
     {
         if (texture.Content is null && string.IsNullOrEmpty(texture.FileName))
             return -1;
-        string key = texture.GetProperty(GltfNames.ImageName) as string ?? texture.Name;
-        string name = key;
+        string name = ImageNameOf(texture);
         foreach ((Texture source, string known, int index) in images)
         {
-            if (known == key && IsSameImage(source, texture))
+            if (known == name && IsSameImage(source, texture))
                 return index;
         }
         JsonObject json = [];
-        if (name.Length == 0 && texture.Content is not null)
-            name = System.IO.Path.GetFileNameWithoutExtension(texture.FileName) ?? string.Empty;
         if (name.Length > 0)
             json["name"] = name;
         WriteImage(json, texture);
         int added = document.Add("images", json);
-        images.Add((texture, key, added));
+        images.Add((texture, name, added));
         return added;
+    }
+
+    private static string ImageNameOf(Texture texture)
+    {
+        if (texture.GetProperty(GltfNames.ImageName) is string told)
+            return told;
+        return texture.Name.Length > 0 ? texture.Name : Path.GetFileNameWithoutExtension(texture.FileName) ?? string.Empty;
     }
 
     private static bool IsSameImage(Texture a, Texture b)
