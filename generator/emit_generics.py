@@ -21,11 +21,16 @@ _ELEMENTS = {
     "string": "StringElement",
     "bytes": "BytesElement",
     "object": "VariantElement",
-    # An array of integers is an element, too: what comes out is wrapped as the typed array of its own element.
-    "int[]": "HandleRecordElement<wrpPygn_conv_py_to_clr_array_A4A29720, fn_wrap_handle<wrpPygn_tyds_A4A29720_ArrayWrapper>>",
+    # An array of integers is an element, too; what comes out is wrapped as the array of its element.
+    "int[]": "HandleRecordElement<wrpPygn_conv_py_to_clr_array_A4A29720,"
+    " fn_wrap_handle<wrpPygn_tyds_A4A29720_ArrayWrapper>>",
 }
 
-_WRAPPED_ELEMENTS = {"class": "ClassElement", "struct": "HandleRecordElement", "interface": "InterfaceElement"}
+_WRAPPED_ELEMENTS = {
+    "class": "ClassElement",
+    "struct": "HandleRecordElement",
+    "interface": "InterfaceElement",
+}
 
 # Interfaces that the typed wrappers list, beside the typed IList of the same element.
 _LISTED = {
@@ -36,7 +41,7 @@ _LISTED = {
 
 
 def emit(catalogue: Catalogue, folder: Path, out: Path) -> None:
-    """Writes cpp/generics.h, cpp/generics_elements.h, and the sources: one a kind of wrapper and one for the rest."""
+    """Writes the headers generics.h and generics_elements.h, one source a kind and one for the rest."""
     rows = generics.read(folder, catalogue)
     cpp = out / "cpp"
     write(cpp / "generics.h", _header(catalogue, rows))
@@ -77,7 +82,8 @@ def _header(catalogue: Catalogue, rows: list[Instantiation]) -> str:
             lines.append(f"bool wrpPygn_bltp_{row.tag}_iterable_is_not_valid(std::string& message);")
     lines.append('\n// "O&" converters of arguments that are typed collections: 1, or 0 with an error.\n')
     for row in rows:
-        lines += [f"int {_converter(row, word)}(PyObject* object, VariantArg* out);" for word in row.converters]
+        for word in row.converters:
+            lines.append(f"int {_converter(row, word)}(PyObject* object, VariantArg* out);")
     lines.append("\n// Callbacks over one element type; statuses as in collections/python_collections.h.\n")
     for table in catalogue.generics:
         lines += [f"{_declaration(slot)};" for slot in table.slots]
@@ -91,7 +97,8 @@ def _element(catalogue: Catalogue, row: Instantiation) -> str:
     native = catalogue.types[row.element].native
     if row.form == "class" and row.only_comes_out:
         return f"OutgoingClassElement<wrpPy_conv_clr_to_py_{native}>"
-    return f"{_WRAPPED_ELEMENTS[row.form]}<wrpPy_conv_py_to_clr_{native}, wrpPy_conv_clr_to_py_{native}>"
+    template = _WRAPPED_ELEMENTS[row.form]
+    return f"{template}<wrpPy_conv_py_to_clr_{native}, wrpPy_conv_clr_to_py_{native}>"
 
 
 def _elements(catalogue: Catalogue, rows: list[Instantiation]) -> str:
@@ -149,8 +156,9 @@ def _source(catalogue: Catalogue, rows: list[Instantiation]) -> str:
 def _iterable(row: Instantiation) -> list[str]:
     name = f"wrpPygn_bltp_{row.tag}_iterable"
     iterable = f"GenericIterable<Generic_{row.tag}>"
+    enumerator = type_name(row.tag, "Iter")
     return [
-        f"PyObject* {name}_iter(PyObject* self) {{ return {iterable}::iter<{type_name(row.tag, 'Iter')}>(self); }}",
+        f"PyObject* {name}_iter(PyObject* self) {{ return {iterable}::iter<{enumerator}>(self); }}",
         f"bool {name}_is_not_valid(std::string& message) {{ return {iterable}::is_not_valid(message); }}\n",
     ]
 
@@ -158,7 +166,8 @@ def _iterable(row: Instantiation) -> list[str]:
 def _converter_body(row: Instantiation, word: str) -> list[str]:
     head = f"int {_converter(row, word)}(PyObject* object, VariantArg* out) {{"
     if word == "iterable":
-        types = [f"&{type_name(row.tag, kind)}" for kind in ("IList", "List", "Array", "ICol") if kind in row.wrappers]
+        kinds = [kind for kind in ("IList", "List", "Array", "ICol") if kind in row.wrappers]
+        types = [f"&{type_name(row.tag, kind)}" for kind in kinds]
         return [
             head,
             f"    static PyTypeObject* const types[] = {{{', '.join([*types, 'nullptr'])}}};",

@@ -75,7 +75,8 @@ def read(folder: Path, catalogue: Catalogue) -> list[Instantiation]:
     tags = {row.tag for row in rows}
     for table in catalogue.generics:
         if table.tag not in tags:
-            raise CatalogueError(Place(path.name, 0), f"callbacks.txt has a table over {table.tag}, no row here does")
+            place = Place(path.name, 0)
+            raise CatalogueError(place, f"no row for {table.tag}, over which callbacks.txt has a table")
     return rows
 
 
@@ -111,7 +112,8 @@ def _check_unique(rows: list[Instantiation]) -> None:
     seen: dict[str, Instantiation] = {}
     for row in rows:
         if row.tag in seen:
-            raise CatalogueError(row.place, f"tag {row.tag} stands in line {seen[row.tag].place.line} already")
+            first = seen[row.tag].place.line
+            raise CatalogueError(row.place, f"tag {row.tag} stands in line {first} already")
         seen[row.tag] = row
 
 

@@ -51,7 +51,8 @@ int fn_convert_interface_argument(const InterfaceArgument& argument, PyObject* o
         return take(out, kManagedReference, fn_wrapper_handle(object));
     }
     int tag = 0;
-    if (fn_is_this_module_clr_instance(object, &tag) && fn_contains_additional_ifc_markattr(object, argument.type)) {
+    if (fn_is_this_module_clr_instance(object, &tag) &&
+        fn_contains_additional_ifc_markattr(object, argument.type)) {
         return take(out, tag, fn_wrapper_handle(object));
     }
     if (fn_conv_py_obj_to_clr_gen_not_null_handle(object, out) != 0) {

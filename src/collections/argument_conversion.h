@@ -3,8 +3,9 @@
 #include "marshal/records.h"
 #include "startup/cpython.h"
 
-// Python objects as arguments for managed collections: shared by the untyped and the typed converters, all of which
-// have the shape of a "O&" converter (1, or 0 with an error). What they write is borrowed from the object.
+// Python objects as arguments for managed collections: shared by the untyped and the typed converters, all of
+// which have the shape of a "O&" converter (1, or 0 with an error). What they write is borrowed from the
+// object.
 
 /// Takes a Python object as it is when it offers enough of a protocol; false when it does not.
 using TakePythonForm = bool (*)(PyObject* object, VariantArg* out);
@@ -35,8 +36,8 @@ struct ClassArgument {
 };
 int fn_convert_class_argument(const ClassArgument& argument, PyObject* object, VariantArg* out);
 
-/// An argument declared as an enumerable of one element type: wrappers of the same element pass, any other wrapper
-/// does not, since no entry point could be asked about it. `types` ends with null.
+/// An argument declared as an enumerable of one element type: wrappers of the same element pass, any other
+/// wrapper does not, since no entry point could be asked about it. `types` ends with null.
 struct IterableArgument {
     PyTypeObject* const* types;
 };

@@ -4,8 +4,8 @@
 
 #include "exchange/host_base.h"
 
-// A host's entry points are one list of rows X(operation, managed name, signature), in binding order. The list
-// gives the host its names, its slots and its forwarders; no name stands anywhere else.
+// A host's entry points are one list of rows X(operation, managed name, signature), in binding order. The
+// list gives the host its names, its slots and its forwarders; no name stands anywhere else.
 
 #define VELBOR_HOST_NAME(operation, name, ...) name,
 #define VELBOR_HOST_SLOT(operation, name, ...) slot_##operation,
@@ -20,11 +20,11 @@
 #define VELBOR_HOST_SIZE(ENTRIES) (0 ENTRIES(VELBOR_HOST_COUNT))
 
 /// The body of a host class: the list's forwarders and slot numbers.
-#define VELBOR_HOST_BODY(ENTRIES)      \
-public:                                \
-    ENTRIES(VELBOR_HOST_FORWARDER)     \
-                                       \
-private:                               \
+#define VELBOR_HOST_BODY(ENTRIES)  \
+public:                            \
+    ENTRIES(VELBOR_HOST_FORWARDER) \
+                                   \
+private:                           \
     enum Slot : std::size_t { ENTRIES(VELBOR_HOST_SLOT) };
 
 /// A host over `Count` entry points that calls a slot through the signature that its row gives.

@@ -10,8 +10,8 @@
 // The Python slots and methods of a collection wrapper, over an `Access` that says which host serves what:
 //
 //   Element                                        the element's form
-//   items()                                        the host of the elements, "CountOf" and the bulk operations
-//   members()                                      the host of add, remove, clear and contains
+//   items()                                        the host of the elements, "CountOf" and the bulk
+//   operations members()                                      the host of add, remove, clear and contains
 //   lengths()                                      the host of the length
 //   kRemovesRunFromLowest                          see ListOperations
 //
@@ -38,7 +38,9 @@ struct SplitHostAccess {
 };
 
 /// The result of a managed call that answers nothing: None, or null when it left an error.
-inline PyObject* fn_none_unless_error() { return PyErr_Occurred() == nullptr ? fn_new_ref(Py_None) : nullptr; }
+inline PyObject* fn_none_unless_error() {
+    return PyErr_Occurred() == nullptr ? fn_new_ref(Py_None) : nullptr;
+}
 
 /// The operations of the list algorithms over an Access; those that its hosts lack are null.
 template <class Access>
@@ -105,12 +107,18 @@ struct ManagedListOperations {
 
     static constexpr ListOperations make() {
         using Out = typename Element::Out;
-        constexpr bool has_items = requires(const ItemHost& host, Out* out) { host.sq_item(nullptr, 0, out); };
+        constexpr bool has_items = requires(const ItemHost& host, Out* out) {
+            host.sq_item(nullptr, 0, out);
+        };
         constexpr bool can_grow = requires(const ItemHost& host, const VariantArg* other) {
             host.sq_inplace_concat(nullptr, other);
         };
-        constexpr bool can_shrink = requires(const ItemHost& host) { host.mp_remove(nullptr, 0, 0, 0); };
-        constexpr bool has_capacity = requires(const ItemHost& host) { host.ensure_capacity(nullptr, 0); };
+        constexpr bool can_shrink = requires(const ItemHost& host) {
+            host.mp_remove(nullptr, 0, 0, 0);
+        };
+        constexpr bool has_capacity = requires(const ItemHost& host) {
+            host.ensure_capacity(nullptr, 0);
+        };
         ListOperations list{};
         list.length = length;
         if constexpr (has_items) {
@@ -205,13 +213,15 @@ struct CollectionSlots {
     static PyObject* copy_walking(PyObject* self, PyObject*) { return sq_repeat_walking(self, 1); }
 
     static PyObject* extend(PyObject* self, PyObject* other) {
-        return list_protocol::extend(kListOperations<Access>, fn_wrapper_handle(self), other) ? fn_new_ref(Py_None)
-                                                                                              : nullptr;
+        return list_protocol::extend(kListOperations<Access>, fn_wrapper_handle(self), other)
+                   ? fn_new_ref(Py_None)
+                   : nullptr;
     }
 
     static PyObject* sq_inplace_concat(PyObject* self, PyObject* other) {
-        return list_protocol::extend(kListOperations<Access>, fn_wrapper_handle(self), other) ? fn_new_ref(self)
-                                                                                              : nullptr;
+        return list_protocol::extend(kListOperations<Access>, fn_wrapper_handle(self), other)
+                   ? fn_new_ref(self)
+                   : nullptr;
     }
 
     static PyObject* sq_inplace_repeat(PyObject* self, Py_ssize_t times) {
@@ -283,8 +293,8 @@ struct CollectionSlots {
             return nullptr;
         }
         typename Element::Out out{};
-        const int status =
-            Access::items().pop(fn_wrapper_handle(self), static_cast<int>(given), static_cast<int>(index), &out);
+        const int status = Access::items().pop(fn_wrapper_handle(self), static_cast<int>(given),
+                                               static_cast<int>(index), &out);
         switch (status) {
             case 0:
                 return Element::to_python(out);

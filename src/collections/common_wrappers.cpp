@@ -161,7 +161,8 @@ PyObject* wrpPygn_mlit_FFFFFFFF_generic_wrappers() {
         }
     }
     for (const GenericTypeRow* row = wrpPygn_types; row->type != nullptr; ++row) {
-        if (!mark(row->type, row->interface_count, row->interfaces) || !attach_type(module.get(), name, row->type)) {
+        if (!mark(row->type, row->interface_count, row->interfaces) ||
+            !attach_type(module.get(), name, row->type)) {
             return nullptr;
         }
     }
@@ -179,13 +180,13 @@ PyObject* wrpPye_mlit_FFFFFFFF_common_wrappers(PyObject* root) {
         return nullptr;
     }
     PyRef interop = PyRef::steal(wrpPye_mlit_FFFFFFFF_interop_wrappers());
-    if (!interop || !attach_module(wrpgen.get(), wrpPye_mlds_FFFFFFFF_common_wrappers, "_interop", interop.get(),
-                                   wrpPye_mlds_FFFFFFFF_interop_wrappers)) {
+    if (!interop || !attach_module(wrpgen.get(), wrpPye_mlds_FFFFFFFF_common_wrappers, "_interop",
+                                   interop.get(), wrpPye_mlds_FFFFFFFF_interop_wrappers)) {
         return nullptr;
     }
     PyRef generic = PyRef::steal(wrpPygn_mlit_FFFFFFFF_generic_wrappers());
-    if (!generic || !attach_module(wrpgen.get(), wrpPye_mlds_FFFFFFFF_common_wrappers, "_generic", generic.get(),
-                                   wrpPygn_mlds_FFFFFFFF_generic_wrappers)) {
+    if (!generic || !attach_module(wrpgen.get(), wrpPye_mlds_FFFFFFFF_common_wrappers, "_generic",
+                                   generic.get(), wrpPygn_mlds_FFFFFFFF_generic_wrappers)) {
         return nullptr;
     }
     return wrpgen.get();

@@ -12,9 +12,8 @@
 
 // How one element of a managed collection crosses the boundary, by the form of its type. An element type has:
 //
-//   In             what a conversion from Python fills; lives on the caller's stack and cleans up after itself
-//   Passed         how that goes to an entry point
-//   Out            what an entry point gives
+//   In             what a conversion from Python fills; lives on the caller's stack and cleans up after
+//   itself Passed         how that goes to an entry point Out            what an entry point gives
 //   ItemUnchecked  the signature of the unchecked read
 //   convert        Python to In: 1, or 0 with an error; what it fills may borrow from the Python object
 //   pass           In to Passed
@@ -36,11 +35,21 @@ struct ValueElement {
     static PyObject* to_python(Out out) { return ToPython(out); }
 };
 
-inline PyObject* fn_element_from_int(int value) { return PyLong_FromLong(value); }
-inline PyObject* fn_element_from_ushort(unsigned short value) { return PyLong_FromUnsignedLong(value); }
-inline PyObject* fn_element_from_uint(unsigned int value) { return PyLong_FromUnsignedLong(value); }
-inline PyObject* fn_element_from_short(short value) { return PyLong_FromLong(value); }
-inline PyObject* fn_element_from_bool(bool value) { return PyBool_FromLong(value); }
+inline PyObject* fn_element_from_int(int value) {
+    return PyLong_FromLong(value);
+}
+inline PyObject* fn_element_from_ushort(unsigned short value) {
+    return PyLong_FromUnsignedLong(value);
+}
+inline PyObject* fn_element_from_uint(unsigned int value) {
+    return PyLong_FromUnsignedLong(value);
+}
+inline PyObject* fn_element_from_short(short value) {
+    return PyLong_FromLong(value);
+}
+inline PyObject* fn_element_from_bool(bool value) {
+    return PyBool_FromLong(value);
+}
 
 using DoubleElement = ValueElement<double, fn_conv_py_float_to_clr_double, PyFloat_FromDouble>;
 using IntElement = ValueElement<int, fn_conv_py_long_to_clr_int32, fn_element_from_int>;

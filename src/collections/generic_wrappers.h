@@ -9,8 +9,8 @@
 #include "collections/wrapper_tables.h"
 #include "wrappers/casts.h"
 
-// The typed wrappers of the module `velbor.voxlar._wrpgen._generic`: one class template a kind. The generated code
-// names a static type object for each instantiation, `Type`, and says of its element type, `G`:
+// The typed wrappers of the module `velbor.voxlar._wrpgen._generic`: one class template a kind. The generated
+// code names a static type object for each instantiation, `Type`, and says of its element type, `G`:
 //
 //   Element   its form (element.h)
 //   kTag      its tag
@@ -22,8 +22,8 @@
 /// The rows that close every typed wrapper's method table.
 #define VELBOR_GENERIC_TAIL(Casts) VELBOR_GET_TYPE_ROW, VELBOR_CLASS_CAST_ROWS(Casts), VELBOR_LAST_ROW
 
-/// An enumerable of one element type. There is no wrapper type of its own: classes of the wrapped API and the other
-/// kinds take their `tp_iter` from here.
+/// An enumerable of one element type. There is no wrapper type of its own: classes of the wrapped API and the
+/// other kinds take their `tp_iter` from here.
 template <class G>
 struct GenericIterable {
     using Host = PyHost_gn_Iterable<G>;
@@ -38,7 +38,9 @@ struct GenericIterable {
 template <class G, PyTypeObject& Type>
 struct GenericIter {
     using Host = PyHost_gn_Iter<G>;
-    static bool invalidate() { return fn_collection_invalidate<Host, wrpPye_bltp_idisposable_is_not_valid>(); }
+    static bool invalidate() {
+        return fn_collection_invalidate<Host, wrpPye_bltp_idisposable_is_not_valid>();
+    }
     using Casts = InterfaceCasts<Host, Type, invalidate>;
 
     static PyObject* iternext(PyObject* self) {
@@ -48,11 +50,12 @@ struct GenericIter {
     static inline PyMethodDef methods[] = {VELBOR_DISPOSABLE_ROWS, VELBOR_GENERIC_TAIL(Casts)};
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type({.name = kJoinedText<VELBOR_GENERIC_NAME "_IterWrapper_", G::kTag>.text,
-                                        .methods = methods,
-                                        .create = fn_wrapper_tp_new<invalidate>,
-                                        .iterate = wrpPye_bltp_iter_iter,
-                                        .next = iternext});
+        return fn_make_collection_type(
+            {.name = kJoinedText<VELBOR_GENERIC_NAME "_IterWrapper_", G::kTag>.text,
+             .methods = methods,
+             .create = fn_wrapper_tp_new<invalidate>,
+             .iterate = wrpPye_bltp_iter_iter,
+             .next = iternext});
     }
 };
 
@@ -66,28 +69,29 @@ struct GenericICol {
     struct Casts : InterfaceCasts<LateCastHost<Host>, Type, invalidate> {
         /// As on every other wrapper, but an absent entry point shows as its error.
         static PyObject* is_assignable(PyObject* self, PyObject* object) {
-            PyRef answer =
-                PyRef::steal(InterfaceCasts<LateCastHost<Host>, Type, invalidate>::is_assignable(self, object));
+            PyRef answer = PyRef::steal(
+                InterfaceCasts<LateCastHost<Host>, Type, invalidate>::is_assignable(self, object));
             return PyErr_Occurred() == nullptr ? answer.release() : nullptr;
         }
     };
 
-    static inline PyMethodDef methods[] = {
-        VELBOR_ROW_APPEND(Slots),   VELBOR_ROW_REMOVE(Slots), VELBOR_ROW_CLEAR(Slots),
-        VELBOR_ROW_EXTEND(Slots),   VELBOR_ROW_CONTAINS(Slots), VELBOR_ROW_COUNT(Slots),
-        VELBOR_ROW_COPY_WALKING(Slots), VELBOR_GENERIC_TAIL(Casts)};
+    static inline PyMethodDef methods[] = {VELBOR_ROW_APPEND(Slots),       VELBOR_ROW_REMOVE(Slots),
+                                           VELBOR_ROW_CLEAR(Slots),        VELBOR_ROW_EXTEND(Slots),
+                                           VELBOR_ROW_CONTAINS(Slots),     VELBOR_ROW_COUNT(Slots),
+                                           VELBOR_ROW_COPY_WALKING(Slots), VELBOR_GENERIC_TAIL(Casts)};
     static inline PyGetSetDef properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
     static inline PySequenceMethods sequence = fn_growing_walked_sequence<Slots>();
     static inline PyMappingMethods mapping = fn_length_mapping<Slots>();
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type({.name = kJoinedText<VELBOR_GENERIC_NAME "_IColWrapper_", G::kTag>.text,
-                                        .methods = methods,
-                                        .properties = properties,
-                                        .create = fn_wrapper_tp_new<invalidate>,
-                                        .iterate = GenericIterable<G>::template iter<Enumerator>,
-                                        .sequence = &sequence,
-                                        .mapping = &mapping});
+        return fn_make_collection_type(
+            {.name = kJoinedText<VELBOR_GENERIC_NAME "_IColWrapper_", G::kTag>.text,
+             .methods = methods,
+             .properties = properties,
+             .create = fn_wrapper_tp_new<invalidate>,
+             .iterate = GenericIterable<G>::template iter<Enumerator>,
+             .sequence = &sequence,
+             .mapping = &mapping});
     }
 };
 
@@ -95,7 +99,9 @@ template <class G, PyTypeObject& Type, PyTypeObject& Enumerator>
 struct GenericIList {
     using Host = PyHost_gn_IList<G>;
     using ColHost = PyHost_gn_ICol<G>;
-    static bool col_is_not_valid(std::string& message) { return fn_collection_is_not_valid<ColHost>(message); }
+    static bool col_is_not_valid(std::string& message) {
+        return fn_collection_is_not_valid<ColHost>(message);
+    }
     static bool invalidate() {
         return fn_collection_invalidate<Host, col_is_not_valid, GenericIterable<G>::is_not_valid>();
     }
@@ -103,25 +109,29 @@ struct GenericIList {
     using Casts = InterfaceCasts<Host, Type, invalidate>;
 
     static inline PyMethodDef methods[] = {
-        VELBOR_ROW_EXTEND(Slots), VELBOR_ROW_INSERT(Slots), VELBOR_ROW_POP(Slots),    VELBOR_ROW_INDEX(Slots),
-        VELBOR_ROW_COUNT(Slots),  VELBOR_ROW_SORT(Slots),   VELBOR_ROW_REVERSE(Slots), VELBOR_ROW_COPY(Slots),
-        VELBOR_ROW_APPEND(Slots), VELBOR_ROW_REMOVE(Slots), VELBOR_ROW_CLEAR(Slots),  VELBOR_ROW_CONTAINS(Slots),
+        VELBOR_ROW_EXTEND(Slots),  VELBOR_ROW_INSERT(Slots), VELBOR_ROW_POP(Slots),
+        VELBOR_ROW_INDEX(Slots),   VELBOR_ROW_COUNT(Slots),  VELBOR_ROW_SORT(Slots),
+        VELBOR_ROW_REVERSE(Slots), VELBOR_ROW_COPY(Slots),   VELBOR_ROW_APPEND(Slots),
+        VELBOR_ROW_REMOVE(Slots),  VELBOR_ROW_CLEAR(Slots),  VELBOR_ROW_CONTAINS(Slots),
         VELBOR_GENERIC_TAIL(Casts)};
     static inline PyGetSetDef properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
     static inline PySequenceMethods sequence = fn_list_sequence<Slots>();
     static inline PyMappingMethods mapping = fn_item_mapping<Slots>();
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type({.name = kJoinedText<VELBOR_GENERIC_NAME "_IListWrapper_", G::kTag>.text,
-                                        .methods = methods,
-                                        .properties = properties,
-                                        .create = fn_wrapper_tp_new<invalidate>,
-                                        .iterate = GenericIterable<G>::template iter<Enumerator>,
-                                        .sequence = &sequence,
-                                        .mapping = &mapping});
+        return fn_make_collection_type(
+            {.name = kJoinedText<VELBOR_GENERIC_NAME "_IListWrapper_", G::kTag>.text,
+             .methods = methods,
+             .properties = properties,
+             .create = fn_wrapper_tp_new<invalidate>,
+             .iterate = GenericIterable<G>::template iter<Enumerator>,
+             .sequence = &sequence,
+             .mapping = &mapping});
     }
 
-    static int is_assignable(const VariantArg* record) { return Host::get_instance().btp_IsAssignable(record); }
+    static int is_assignable(const VariantArg* record) {
+        return Host::get_instance().btp_IsAssignable(record);
+    }
     static constexpr InterfaceArgument argument = {&Type, invalidate, is_assignable, fn_take_list, "IList"};
 };
 
@@ -138,13 +148,14 @@ struct GenericList {
     static inline PyMappingMethods mapping = fn_item_mapping<Slots>();
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type({.name = kJoinedText<VELBOR_GENERIC_NAME "_ListWrapper_", G::kTag>.text,
-                                        .methods = methods,
-                                        .properties = properties,
-                                        .create = fn_wrapper_tp_new<invalidate>,
-                                        .iterate = GenericIterable<G>::template iter<Enumerator>,
-                                        .sequence = &sequence,
-                                        .mapping = &mapping});
+        return fn_make_collection_type(
+            {.name = kJoinedText<VELBOR_GENERIC_NAME "_ListWrapper_", G::kTag>.text,
+             .methods = methods,
+             .properties = properties,
+             .create = fn_wrapper_tp_new<invalidate>,
+             .iterate = GenericIterable<G>::template iter<Enumerator>,
+             .sequence = &sequence,
+             .mapping = &mapping});
     }
 
     static int is_assignable(void* handle) { return Host::get_instance().btp_IsAssignable(handle); }
@@ -165,14 +176,15 @@ struct GenericArray {
 
     /// The one kind with a base: a typed array is taken where the untyped one is declared.
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type({.name = kJoinedText<VELBOR_GENERIC_NAME "_ArrayWrapper_", G::kTag>.text,
-                                        .methods = methods,
-                                        .properties = properties,
-                                        .base = &wrpPye_tyds_ArrayWrapper,
-                                        .create = fn_wrapper_tp_new<invalidate>,
-                                        .iterate = GenericIterable<G>::template iter<Enumerator>,
-                                        .sequence = &sequence,
-                                        .mapping = &mapping});
+        return fn_make_collection_type(
+            {.name = kJoinedText<VELBOR_GENERIC_NAME "_ArrayWrapper_", G::kTag>.text,
+             .methods = methods,
+             .properties = properties,
+             .base = &wrpPye_tyds_ArrayWrapper,
+             .create = fn_wrapper_tp_new<invalidate>,
+             .iterate = GenericIterable<G>::template iter<Enumerator>,
+             .sequence = &sequence,
+             .mapping = &mapping});
     }
 
     static int is_assignable(void* handle) { return Host::get_instance().btp_IsAssignable(handle); }

@@ -20,7 +20,8 @@ constexpr InterfaceArgument kIter = {&wrpPye_tyds_IterWrapper, wrpPye_uafn_iter_
                                      is_assignable<PyHost_ph_Iter>, fn_take_iterator, "IEnumerator"};
 constexpr InterfaceArgument kIterable = {&wrpPye_tyds_IterableWrapper, wrpPye_uafn_iterable_invalidate,
                                          is_assignable<PyHost_ph_Iterable>, fn_take_iterable, "IEnumerable"};
-constexpr InterfaceArgument kDisposable = {&wrpPye_tyds_IDisposableWrapper, wrpPye_uafn_idisposable_invalidate,
+constexpr InterfaceArgument kDisposable = {&wrpPye_tyds_IDisposableWrapper,
+                                           wrpPye_uafn_idisposable_invalidate,
                                            is_assignable<PyHost_ph_Disposable>, nullptr, "IDisposable"};
 // Both of the next two are refused as "List".
 constexpr InterfaceArgument kICollection = {&wrpPye_tyds_IColWrapper, wrpPye_uafn_icol_invalidate,

@@ -10,35 +10,42 @@
 
 // Validity: the own host, then what the type refers to ---------------------------------------------------
 
-#define VELBOR_DEFINE_VALIDITY(kind, ...)                                                                    \
-    bool wrpPye_uafn_##kind##_invalidate() { return fn_collection_invalidate<__VA_ARGS__>(); }               \
-    bool wrpPye_bltp_##kind##_is_not_valid(std::string& message) {                                           \
-        return fn_collection_is_not_valid<__VA_ARGS__>(message);                                             \
+#define VELBOR_DEFINE_VALIDITY(kind, ...)                          \
+    bool wrpPye_uafn_##kind##_invalidate() {                       \
+        return fn_collection_invalidate<__VA_ARGS__>();            \
+    }                                                              \
+    bool wrpPye_bltp_##kind##_is_not_valid(std::string& message) { \
+        return fn_collection_is_not_valid<__VA_ARGS__>(message);   \
     }
 
 VELBOR_DEFINE_VALIDITY(idisposable, PyHost_ph_Disposable)
 VELBOR_DEFINE_VALIDITY(iter, PyHost_ph_Iter)
 VELBOR_DEFINE_VALIDITY(iterable, PyHost_ph_Iterable)
 VELBOR_DEFINE_VALIDITY(icol, PyHost_ph_ICol, wrpPye_bltp_iterable_is_not_valid)
-VELBOR_DEFINE_VALIDITY(ilist, PyHost_ph_IList, wrpPye_bltp_icol_is_not_valid, wrpPye_bltp_iterable_is_not_valid)
+VELBOR_DEFINE_VALIDITY(ilist, PyHost_ph_IList, wrpPye_bltp_icol_is_not_valid,
+                       wrpPye_bltp_iterable_is_not_valid)
 VELBOR_DEFINE_VALIDITY(array, PyHost_ph_Array, wrpPye_bltp_iterable_is_not_valid)
 VELBOR_DEFINE_VALIDITY(arrlist, PyHost_ph_ArrList, wrpPye_bltp_iterable_is_not_valid)
-VELBOR_DEFINE_VALIDITY(colbase, PyHost_ph_ColBase, wrpPye_bltp_ilist_is_not_valid, wrpPye_bltp_icol_is_not_valid,
-                       wrpPye_bltp_iterable_is_not_valid)
+VELBOR_DEFINE_VALIDITY(colbase, PyHost_ph_ColBase, wrpPye_bltp_ilist_is_not_valid,
+                       wrpPye_bltp_icol_is_not_valid, wrpPye_bltp_iterable_is_not_valid)
 VELBOR_DEFINE_VALIDITY(rocolbase, PyHost_ph_RoColBase, wrpPye_bltp_icol_is_not_valid,
                        wrpPye_bltp_iterable_is_not_valid)
 #undef VELBOR_DEFINE_VALIDITY
 
 // Iteration and disposal -----------------------------------------------------------------------------------
 
-PyObject* wrpPye_bltp_idisposable_enter(PyObject* self, PyObject*) { return fn_new_ref(self); }
+PyObject* wrpPye_bltp_idisposable_enter(PyObject* self, PyObject*) {
+    return fn_new_ref(self);
+}
 
 PyObject* wrpPye_bltp_idisposable_exit(PyObject* self, PyObject*) {
     ObjectHost::get_instance().dispose(fn_wrapper_handle(self));
     return fn_none_unless_error();
 }
 
-PyObject* wrpPye_bltp_iter_iter(PyObject* self) { return fn_new_ref(self); }
+PyObject* wrpPye_bltp_iter_iter(PyObject* self) {
+    return fn_new_ref(self);
+}
 
 PyObject* wrpPye_bltp_iter_iternext(PyObject* self) {
     return fn_next_element<VariantElement>(PyHost_ph_Iter::get_instance(), fn_wrapper_handle(self));
@@ -49,7 +56,7 @@ PyObject* wrpPye_bltp_iterable_iter(PyObject* self) {
                              wrpPye_tyds_IterWrapper);
 }
 
-// Tables -----------------------------------------------------------------------------------------------------
+// Tables ----------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -63,22 +70,24 @@ using IListSlots = CollectionSlots<IListAccess>;
 using ArraySlots = CollectionSlots<ArrayAccess>;
 using ArrListSlots = CollectionSlots<ArrListAccess>;
 
-using IDisposableCasts =
-    InteropInterfaceCasts<PyHost_ph_Disposable, wrpPye_tyds_IDisposableWrapper, wrpPye_uafn_idisposable_invalidate>;
+using IDisposableCasts = InteropInterfaceCasts<PyHost_ph_Disposable, wrpPye_tyds_IDisposableWrapper,
+                                               wrpPye_uafn_idisposable_invalidate>;
 using IterCasts = InteropInterfaceCasts<PyHost_ph_Iter, wrpPye_tyds_IterWrapper, wrpPye_uafn_iter_invalidate>;
 using IterableCasts =
     InteropInterfaceCasts<PyHost_ph_Iterable, wrpPye_tyds_IterableWrapper, wrpPye_uafn_iterable_invalidate>;
 using IColCasts = InteropInterfaceCasts<PyHost_ph_ICol, wrpPye_tyds_IColWrapper, wrpPye_uafn_icol_invalidate>;
-using IListCasts = InteropInterfaceCasts<PyHost_ph_IList, wrpPye_tyds_IListWrapper, wrpPye_uafn_ilist_invalidate>;
+using IListCasts =
+    InteropInterfaceCasts<PyHost_ph_IList, wrpPye_tyds_IListWrapper, wrpPye_uafn_ilist_invalidate>;
 using ArrayCasts = InteropCasts<PyHost_ph_Array, wrpPye_tyds_ArrayWrapper, wrpPye_uafn_array_invalidate>;
-using ArrListCasts = InteropCasts<PyHost_ph_ArrList, wrpPye_tyds_ArrListWrapper, wrpPye_uafn_arrlist_invalidate>;
-using ColBaseCasts = InteropCasts<PyHost_ph_ColBase, wrpPye_tyds_ColBaseWrapper, wrpPye_uafn_colbase_invalidate>;
+using ArrListCasts =
+    InteropCasts<PyHost_ph_ArrList, wrpPye_tyds_ArrListWrapper, wrpPye_uafn_arrlist_invalidate>;
+using ColBaseCasts =
+    InteropCasts<PyHost_ph_ColBase, wrpPye_tyds_ColBaseWrapper, wrpPye_uafn_colbase_invalidate>;
 using RoColBaseCasts =
     InteropCasts<PyHost_ph_RoColBase, wrpPye_tyds_RoColBaseWrapper, wrpPye_uafn_rocolbase_invalidate>;
 
 /// The rows that close every interop wrapper's method table.
-#define VELBOR_INTEROP_TAIL(Casts) \
-    VELBOR_GET_TYPE_ROW, VELBOR_INTEROP_CAST_ROWS(Casts), VELBOR_LAST_ROW
+#define VELBOR_INTEROP_TAIL(Casts) VELBOR_GET_TYPE_ROW, VELBOR_INTEROP_CAST_ROWS(Casts), VELBOR_LAST_ROW
 
 PyMethodDef disposable_methods[] = {VELBOR_DISPOSABLE_ROWS, VELBOR_INTEROP_TAIL(IDisposableCasts)};
 PyMethodDef iter_methods[] = {VELBOR_INTEROP_TAIL(IterCasts)};
@@ -90,10 +99,10 @@ PyMethodDef iterable_methods[] = {VELBOR_INTEROP_TAIL(IterableCasts)};
 PyMethodDef icol_methods[] = {VELBOR_ICOL_ROWS, VELBOR_INTEROP_TAIL(IColCasts)};
 PyMethodDef rocolbase_methods[] = {VELBOR_ICOL_ROWS, VELBOR_INTEROP_TAIL(RoColBaseCasts)};
 
-#define VELBOR_ILIST_ROWS                                                                                   \
-    VELBOR_ROW_APPEND(IListSlots), VELBOR_ROW_INSERT(IListSlots), VELBOR_ROW_EXTEND(IListSlots),            \
-        VELBOR_ROW_REMOVE(IListSlots), VELBOR_ROW_POP(IListSlots), VELBOR_ROW_CLEAR(IListSlots),            \
-        VELBOR_ROW_INDEX(IListSlots), VELBOR_ROW_COUNT(IListSlots), VELBOR_ROW_CONTAINS(IListSlots),        \
+#define VELBOR_ILIST_ROWS                                                                            \
+    VELBOR_ROW_APPEND(IListSlots), VELBOR_ROW_INSERT(IListSlots), VELBOR_ROW_EXTEND(IListSlots),     \
+        VELBOR_ROW_REMOVE(IListSlots), VELBOR_ROW_POP(IListSlots), VELBOR_ROW_CLEAR(IListSlots),     \
+        VELBOR_ROW_INDEX(IListSlots), VELBOR_ROW_COUNT(IListSlots), VELBOR_ROW_CONTAINS(IListSlots), \
         VELBOR_ROW_SORT(IListSlots), VELBOR_ROW_REVERSE(IListSlots), VELBOR_ROW_COPY(IListSlots)
 
 PyMethodDef ilist_methods[] = {VELBOR_ILIST_ROWS, VELBOR_INTEROP_TAIL(IListCasts)};
@@ -119,78 +128,78 @@ PyMappingMethods arrlist_mapping = fn_item_mapping<ArrListSlots>();
 
 }  // namespace
 
-// Types --------------------------------------------------------------------------------------------------------
+// Types -----------------------------------------------------------------------------------------------
 
 #define VELBOR_INTEROP_NAME "velbor.voxlar._wrpgen._interop."
 
-PyTypeObject wrpPye_tyds_IDisposableWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_IDisposableWrapper",
-     .methods = disposable_methods,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_idisposable_invalidate>});
+PyTypeObject wrpPye_tyds_IDisposableWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IDisposableWrapper",
+                             .methods = disposable_methods,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_idisposable_invalidate>});
 
-PyTypeObject wrpPye_tyds_IterWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_IterWrapper",
-     .methods = iter_methods,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_iter_invalidate>,
-     .iterate = wrpPye_bltp_iter_iter,
-     .next = wrpPye_bltp_iter_iternext});
+PyTypeObject wrpPye_tyds_IterWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IterWrapper",
+                             .methods = iter_methods,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_iter_invalidate>,
+                             .iterate = wrpPye_bltp_iter_iter,
+                             .next = wrpPye_bltp_iter_iternext});
 
-PyTypeObject wrpPye_tyds_IterableWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_IterableWrapper",
-     .methods = iterable_methods,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_iterable_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter});
+PyTypeObject wrpPye_tyds_IterableWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IterableWrapper",
+                             .methods = iterable_methods,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_iterable_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter});
 
-PyTypeObject wrpPye_tyds_IColWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_IColWrapper",
-     .methods = icol_methods,
-     .properties = icol_properties,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_icol_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter,
-     .sequence = &icol_sequence,
-     .mapping = &icol_mapping});
+PyTypeObject wrpPye_tyds_IColWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IColWrapper",
+                             .methods = icol_methods,
+                             .properties = icol_properties,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_icol_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter,
+                             .sequence = &icol_sequence,
+                             .mapping = &icol_mapping});
 
-PyTypeObject wrpPye_tyds_IListWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_IListWrapper",
-     .methods = ilist_methods,
-     .properties = ilist_properties,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_ilist_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter,
-     .sequence = &ilist_sequence,
-     .mapping = &ilist_mapping});
+PyTypeObject wrpPye_tyds_IListWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IListWrapper",
+                             .methods = ilist_methods,
+                             .properties = ilist_properties,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_ilist_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter,
+                             .sequence = &ilist_sequence,
+                             .mapping = &ilist_mapping});
 
-PyTypeObject wrpPye_tyds_RoColBaseWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_RoColBaseWrapper",
-     .methods = rocolbase_methods,
-     .properties = icol_properties,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_rocolbase_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter,
-     .sequence = &icol_sequence,
-     .mapping = &icol_mapping});
+PyTypeObject wrpPye_tyds_RoColBaseWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_RoColBaseWrapper",
+                             .methods = rocolbase_methods,
+                             .properties = icol_properties,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_rocolbase_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter,
+                             .sequence = &icol_sequence,
+                             .mapping = &icol_mapping});
 
-PyTypeObject wrpPye_tyds_ColBaseWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_ColBaseWrapper",
-     .methods = colbase_methods,
-     .properties = ilist_properties,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_colbase_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter,
-     .sequence = &ilist_sequence,
-     .mapping = &ilist_mapping});
+PyTypeObject wrpPye_tyds_ColBaseWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_ColBaseWrapper",
+                             .methods = colbase_methods,
+                             .properties = ilist_properties,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_colbase_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter,
+                             .sequence = &ilist_sequence,
+                             .mapping = &ilist_mapping});
 
-PyTypeObject wrpPye_tyds_ArrayWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_ArrayWrapper",
-     .methods = array_methods,
-     .properties = array_properties,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_array_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter,
-     .sequence = &array_sequence,
-     .mapping = &array_mapping});
+PyTypeObject wrpPye_tyds_ArrayWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_ArrayWrapper",
+                             .methods = array_methods,
+                             .properties = array_properties,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_array_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter,
+                             .sequence = &array_sequence,
+                             .mapping = &array_mapping});
 
-PyTypeObject wrpPye_tyds_ArrListWrapper = fn_make_collection_type(
-    {.name = VELBOR_INTEROP_NAME "_ArrListWrapper",
-     .methods = arrlist_methods,
-     .properties = arrlist_properties,
-     .create = fn_wrapper_tp_new<wrpPye_uafn_arrlist_invalidate>,
-     .iterate = wrpPye_bltp_iterable_iter,
-     .sequence = &arrlist_sequence,
-     .mapping = &arrlist_mapping});
+PyTypeObject wrpPye_tyds_ArrListWrapper =
+    fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_ArrListWrapper",
+                             .methods = arrlist_methods,
+                             .properties = arrlist_properties,
+                             .create = fn_wrapper_tp_new<wrpPye_uafn_arrlist_invalidate>,
+                             .iterate = wrpPye_bltp_iterable_iter,
+                             .sequence = &arrlist_sequence,
+                             .mapping = &arrlist_mapping});

@@ -4,8 +4,8 @@
 
 #include "startup/cpython.h"
 
-// The wrapper types of the module `velbor.voxlar._wrpgen._interop` for the managed collection interfaces and base
-// classes. All are reference wrappers; none can be constructed from Python.
+// The wrapper types of the module `velbor.voxlar._wrpgen._interop` for the managed collection interfaces and
+// base classes. All are reference wrappers; none can be constructed from Python.
 
 extern PyTypeObject wrpPye_tyds_IDisposableWrapper;
 extern PyTypeObject wrpPye_tyds_IterWrapper;
@@ -17,8 +17,8 @@ extern PyTypeObject wrpPye_tyds_ColBaseWrapper;
 extern PyTypeObject wrpPye_tyds_ArrayWrapper;
 extern PyTypeObject wrpPye_tyds_ArrListWrapper;
 
-/// `__enter__` and `__exit__` of every disposable wrapper. The second disposes the managed object, keeps the handle
-/// and returns None, so an exception inside the block goes on.
+/// `__enter__` and `__exit__` of every disposable wrapper. The second disposes the managed object, keeps the
+/// handle and returns None, so an exception inside the block goes on.
 PyObject* wrpPye_bltp_idisposable_enter(PyObject* self, PyObject* ignored);
 PyObject* wrpPye_bltp_idisposable_exit(PyObject* self, PyObject* arguments);
 
@@ -37,7 +37,7 @@ PyObject* wrpPye_bltp_iterable_iter(PyObject* self);
 #define VELBOR_INTEROP_KINDS(X) \
     X(idisposable) X(iter) X(iterable) X(icol) X(ilist) X(array) X(arrlist) X(colbase) X(rocolbase)
 
-#define VELBOR_DECLARE_VALIDITY(kind)    \
+#define VELBOR_DECLARE_VALIDITY(kind)       \
     bool wrpPye_uafn_##kind##_invalidate(); \
     bool wrpPye_bltp_##kind##_is_not_valid(std::string& message);
 VELBOR_INTEROP_KINDS(VELBOR_DECLARE_VALIDITY)

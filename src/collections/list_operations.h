@@ -12,14 +12,15 @@ struct ListOperations {
     /// The managed count; a failure is a pending Python error, whatever the number.
     int (*length)(void* handle);
 
-    /// The element at an index that was not tested; a new reference, or null with `IndexError` or the managed error.
+    /// The element at an index that was not tested; a new reference, or null with `IndexError` or the managed
+    /// error.
     PyObject* (*item)(void* handle, int index);
 
     /// The element at an index that the caller knows to be inside; a new reference, or null with an error.
     PyObject* (*item_unchecked)(void* handle, int index);
 
-    /// Converts and stores; a status as the managed side gives it (0 done, 2 out of range), -1 when `value` is
-    /// no element.
+    /// Converts and stores; a status as the managed side gives it (0 done, 2 out of range), -1 when `value`
+    /// is no element.
     int (*store)(void* handle, int index, PyObject* value);
 
     /// Converts and stores at an index inside; false with an error.

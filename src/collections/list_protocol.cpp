@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "startup/py_ref.h"
 #include "collections/python_forms.h"
+#include "startup/py_ref.h"
 #include "wrappers/markers.h"
 
 namespace list_protocol {
@@ -43,7 +43,8 @@ bool read_index(PyObject* key, Py_ssize_t length, Py_ssize_t& index) {
 
 bool read_slice(PyObject* key, Py_ssize_t length, Slice& slice) {
     if (!PySlice_Check(key)) {
-        PyErr_Format(PyExc_TypeError, "list indices must be integers or slices, not %.200s", Py_TYPE(key)->tp_name);
+        PyErr_Format(PyExc_TypeError, "list indices must be integers or slices, not %.200s",
+                     Py_TYPE(key)->tp_name);
         return false;
     }
     Py_ssize_t stop = 0;
@@ -102,8 +103,8 @@ bool same_size(Py_ssize_t size, const Slice& slice) {
     if (size == slice.count) {
         return true;
     }
-    PyErr_Format(PyExc_ValueError, "attempt to assign sequence of size %zd to extended slice of size %zd", size,
-                 slice.count);
+    PyErr_Format(PyExc_ValueError, "attempt to assign sequence of size %zd to extended slice of size %zd",
+                 size, slice.count);
     return false;
 }
 
@@ -177,8 +178,8 @@ int assign_slice(const ListOperations& list, void* handle, Slice slice, PyObject
         return -1;
     }
     if (VariantArg other{}; read_managed_collection(value, other)) {
-        const int handled = list.store_managed(handle, &other, static_cast<int>(slice.start), static_cast<int>(size),
-                                               static_cast<int>(slice.step));
+        const int handled = list.store_managed(handle, &other, static_cast<int>(slice.start),
+                                               static_cast<int>(size), static_cast<int>(slice.step));
         if (PyErr_Occurred() != nullptr) {
             return -1;
         }
@@ -206,8 +207,8 @@ bool append_iterated(PyObject* result, PyObject* iterable) {
                              [&](PyObject* item) { return PyList_Append(result, item) == 0; });
 }
 
-/// A new list of `length` slots for the elements of x and, behind them, the items of `other`; the first part is
-/// filled by `fill_front`.
+/// A new list of `length` slots for the elements of x and, behind them, the items of `other`; the first part
+/// is filled by `fill_front`.
 template <class FillFront>
 PyObject* concat_behind(Py_ssize_t length, PyObject* other, FillFront fill_front) {
     if (length < 0) {
@@ -263,7 +264,8 @@ PyObject* concat_behind(Py_ssize_t length, PyObject* other, FillFront fill_front
 /// A new list of `length` times `times` slots. The product is not tested: one that wraps gives a list of the
 /// wrapped size, and what does not fit is not stored.
 PyRef new_repeated_list(Py_ssize_t length, Py_ssize_t times) {
-    return PyRef::steal(PyList_New(static_cast<Py_ssize_t>(static_cast<size_t>(length) * static_cast<size_t>(times))));
+    return PyRef::steal(
+        PyList_New(static_cast<Py_ssize_t>(static_cast<size_t>(length) * static_cast<size_t>(times))));
 }
 
 /// Stores an element at its place in each repetition; takes the reference.

@@ -6,15 +6,17 @@
 
 /// The Python list protocol over a managed collection, written once for all collection wrappers.
 ///
-/// Nothing is cached and nothing is atomic: each element is a crossing of its own, and what was written before a
-/// failure stays written. Results that hold several elements are Python lists. All functions need the GIL; those
-/// that return an object return a new reference, or null with an error set, those that return an int 0 or -1.
+/// Nothing is cached and nothing is atomic: each element is a crossing of its own, and what was written
+/// before a failure stays written. Results that hold several elements are Python lists. All functions need
+/// the GIL; those that return an object return a new reference, or null with an error set, those that return
+/// an int 0 or -1.
 namespace list_protocol {
 
 /// `x[key]` for an index or a slice; a slice gives a list.
 PyObject* subscript(const ListOperations& list, void* handle, PyObject* key);
 
-/// `x[key] = value`, or `del x[key]` when `value` is null. A slice never changes the length when it is assigned.
+/// `x[key] = value`, or `del x[key]` when `value` is null. A slice never changes the length when it is
+/// assigned.
 int assign_subscript(const ListOperations& list, void* handle, PyObject* key, PyObject* value);
 
 /// `x[index] = value` or `del x[index]` for an index as it is.

@@ -15,7 +15,9 @@ constexpr int kDone = 0;
 constexpr int kError = -1;
 constexpr int kIndexError = -2;
 
-int pending_status() { return PyErr_ExceptionMatches(PyExc_IndexError) ? kIndexError : kError; }
+int pending_status() {
+    return PyErr_ExceptionMatches(PyExc_IndexError) ? kIndexError : kError;
+}
 
 /// A method of the object with one argument; null with an error.
 PyRef call_method(PyObject* object, PyObject* name, PyObject* argument) {
@@ -105,9 +107,13 @@ int fn_clbk_iter_next(PyObject* iterator, PyObject** item, VariantArg* value) {
     return 0;
 }
 
-Py_ssize_t fn_clbk_ucol_list_length(PyObject* list) { return PyList_Size(list); }
+Py_ssize_t fn_clbk_ucol_list_length(PyObject* list) {
+    return PyList_Size(list);
+}
 
-Py_ssize_t fn_clbk_ucol_list_longlength(PyObject* list) { return PyList_Size(list); }
+Py_ssize_t fn_clbk_ucol_list_longlength(PyObject* list) {
+    return PyList_Size(list);
+}
 
 int fn_clbk_ucol_remove_at(PyObject* object, int index) {
     PyRef number = PyRef::steal(PyLong_FromSsize_t(index));
@@ -121,9 +127,13 @@ int fn_clbk_ucol_clear(PyObject* object) {
     return PyRef::steal(PyObject_CallMethodObjArgs(object, PyWrpIdList_Clear, nullptr)) ? kDone : kError;
 }
 
-Py_ssize_t fn_clbk_ucol_sequence_length(PyObject* sequence) { return PySequence_Size(sequence); }
+Py_ssize_t fn_clbk_ucol_sequence_length(PyObject* sequence) {
+    return PySequence_Size(sequence);
+}
 
-Py_ssize_t fn_clbk_ucol_sequence_longlength(PyObject* sequence) { return PySequence_Size(sequence); }
+Py_ssize_t fn_clbk_ucol_sequence_longlength(PyObject* sequence) {
+    return PySequence_Size(sequence);
+}
 
 PyObject* fn_clbk_ucol_get_enumerator(PyObject* object) {
     PyRef iterator = PyRef::steal(PyObject_GetIter(object));
@@ -137,9 +147,13 @@ PyObject* fn_clbk_ucol_get_enumerator(PyObject* object) {
     return nullptr;
 }
 
-Py_ssize_t fn_clbk_ucol_object_length(PyObject* object) { return PyObject_Size(object); }
+Py_ssize_t fn_clbk_ucol_object_length(PyObject* object) {
+    return PyObject_Size(object);
+}
 
-PyObject** fn_clbk_ucol_create_fast_list(std::int32_t length, PyObject** list) { return create_list(length, list); }
+PyObject** fn_clbk_ucol_create_fast_list(std::int32_t length, PyObject** list) {
+    return create_list(length, list);
+}
 
 PyObject** fn_clbk_ucol_create_fast_longlist(std::int64_t length, PyObject** list) {
     return create_list(length, list);
@@ -166,8 +180,8 @@ int fn_clbk_ucol_get_unicode_bytes(PyObject* text, PyObject** keeper, int* count
                      Py_TYPE(bytes.get())->tp_name);
         return 0;
     }
-    // The managed reader counts on this pair: all units of the text, and a pointer past the byte-order mark and one
-    // unit more.
+    // The managed reader counts on this pair: all units of the text, and a pointer past the byte-order mark
+    // and one unit more.
     *count = static_cast<int>((PyBytes_GET_SIZE(bytes.get()) - 2) / 2);
     *units = reinterpret_cast<const char16_t*>(PyBytes_AS_STRING(bytes.get()) + 4);
     *keeper = bytes.release();
@@ -237,7 +251,9 @@ int fn_clbk_olist_index_of(PyObject* list, PyObject* value) {
     return fn_conv_py_obj_to_ssize_t(found.get(), &position) == 0 ? kIndexError : as_position(position);
 }
 
-void fn_clbk_olist_set_fast_item(PyObject** items, int index, PyObject* value) { items[index] = value; }
+void fn_clbk_olist_set_fast_item(PyObject** items, int index, PyObject* value) {
+    items[index] = value;
+}
 
 PyObject* fn_clbk_olist_write_clr_ilist(void* handle) {
     return fn_conv_clr_clsobj_to_py_clsobj(handle, &wrpPye_tyds_IListWrapper);
@@ -260,7 +276,8 @@ int fn_clbk_oseq_get_item(PyObject* sequence, int index, VariantArg* value) {
     if (fn_conv_py_variant_to_clr_variant(item.get(), value) == 0) {
         return kError;
     }
-    // The table has no slot through which the item could go back, so the reference is the record's from here on.
+    // The table has no slot through which the item could go back, so the reference is the record's from here
+    // on.
     static_cast<void>(item.release());
     return kDone;
 }

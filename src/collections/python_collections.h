@@ -5,14 +5,14 @@
 #include "marshal/records.h"
 #include "startup/cpython.h"
 
-// Callbacks by which managed code works on Python collections. They run on the thread of a managed call, which holds
-// the GIL. None lets an exception cross: a failure is a status with the Python error pending.
+// Callbacks by which managed code works on Python collections. They run on the thread of a managed call,
+// which holds the GIL. None lets an exception cross: a failure is a status with the Python error pending.
 //
-// Statuses: 0 done, -1 a Python error is pending, -2 that error is an IndexError. An element that managed code passes
-// as a PyObject* is owned by the callback from the moment of the call, on success and on failure.
+// Statuses: 0 done, -1 a Python error is pending, -2 that error is an IndexError. An element that managed
+// code passes as a PyObject* is owned by the callback from the moment of the call, on success and on failure.
 
-/// The next item of an iterator into `value`: 0, 1 at the end, 2 with an error. `*item` gets the reference that
-/// `value` may borrow from; the caller drops it.
+/// The next item of an iterator into `value`: 0, 1 at the end, 2 with an error. `*item` gets the reference
+/// that `value` may borrow from; the caller drops it.
 int fn_clbk_iter_next(PyObject* iterator, PyObject** item, VariantArg* value);
 
 // Any collection. Lengths are -1 with an error.
@@ -34,12 +34,13 @@ PyObject* fn_clbk_ucol_get_enumerator(PyObject* object);
 
 Py_ssize_t fn_clbk_ucol_object_length(PyObject* object);
 
-/// Makes a list of empty slots, stores it in `*list` and returns the array of its items. The caller fills each slot
-/// before Python sees the list.
+/// Makes a list of empty slots, stores it in `*list` and returns the array of its items. The caller fills
+/// each slot before Python sees the list.
 PyObject** fn_clbk_ucol_create_fast_list(std::int32_t length, PyObject** list);
 PyObject** fn_clbk_ucol_create_fast_longlist(std::int64_t length, PyObject** list);
 
-/// The UTF-16 form of a `str`, 1 or 0 with an error: `*keeper` gets a bytes object that the caller drops after use,
+/// The UTF-16 form of a `str`, 1 or 0 with an error: `*keeper` gets a bytes object that the caller drops
+/// after use,
 /// `*count` the number of units without the byte-order mark, `*units` the place two units into the bytes.
 int fn_clbk_ucol_get_unicode_bytes(PyObject* text, PyObject** keeper, int* count, const char16_t** units);
 
@@ -72,8 +73,8 @@ PyObject* fn_clbk_olist_write_clr_array(void* handle);
 
 // A sequence that is no list.
 
-/// A status. The reference to the item stays held, since the record may borrow from it: a sequence makes its items
-/// where it likes.
+/// A status. The reference to the item stays held, since the record may borrow from it: a sequence makes its
+/// items where it likes.
 int fn_clbk_oseq_get_item(PyObject* sequence, int index, VariantArg* value);
 
 /// 1, 0 or -1. A comparison that raises counts as found and leaves its error pending.
@@ -95,7 +96,8 @@ PyObject* sequence_item(PyObject* sequence, int index, int* status);
 /// The next item of an iterator, as a new reference; null with `*status` 1 at the end or 2 with an error.
 PyObject* next_item(PyObject* iterator, int* status);
 
-/// Calls the list's `remove`: 1 removed, 0 absent (with ValueError pending), -1 another error. Takes the element.
+/// Calls the list's `remove`: 1 removed, 0 absent (with ValueError pending), -1 another error. Takes the
+/// element.
 int remove_from_list(PyObject* list, PyObject* value);
 
 }  // namespace python_collections

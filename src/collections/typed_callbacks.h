@@ -4,9 +4,9 @@
 #include "collections/python_collections.h"
 #include "startup/py_ref.h"
 
-// The typed forms of the collection callbacks: as the untyped ones, with the element's own conversion. `Element` is
-// an element form of element.h. On the write side an element comes as a handle, which its conversion to Python
-// consumes.
+// The typed forms of the collection callbacks: as the untyped ones, with the element's own conversion.
+// `Element` is an element form of element.h. On the write side an element comes as a handle, which its
+// conversion to Python consumes.
 
 template <class Element>
 struct TypedCallbacks {
@@ -65,7 +65,8 @@ struct TypedCallbacks {
         return value == nullptr ? -1 : fn_clbk_olist_insert(list, index, value);
     }
 
-    /// 1 removed, 0 absent without an error, -1 an error: the untyped form reports an absent element as an error.
+    /// 1 removed, 0 absent without an error, -1 an error: the untyped form reports an absent element as an
+    /// error.
     static int list_remove(PyObject* list, void* element) {
         PyObject* value = Element::to_python(element);
         if (value == nullptr) {

@@ -4,8 +4,8 @@
 
 #include "exchange/host_base.h"
 
-/// The validity of a collection wrapper type: its own host's, then that of each type that it refers to, in order.
-/// Settled at the first call and kept.
+/// The validity of a collection wrapper type: its own host's, then that of each type that it refers to, in
+/// order. Settled at the first call and kept.
 template <class Host, IsNotValidFn... References>
 const PyHostState& fn_collection_state() {
     static const PyHostState state = fn_aggregate_host_state(Host::get_instance(), {References...});

@@ -33,6 +33,7 @@ PyObject* fn_new_enumerator(const Host& host, void* handle, PyTypeObject& declar
 
 // Rows of method tables ------------------------------------------------------------------------------------
 
+// clang-format off
 #define VELBOR_ROW_APPEND(Slots) {"append", Slots::append, METH_O, nullptr}
 #define VELBOR_ROW_INSERT(Slots) {"insert", Slots::insert, METH_VARARGS, nullptr}
 #define VELBOR_ROW_EXTEND(Slots) {"extend", Slots::extend, METH_O, nullptr}
@@ -46,30 +47,28 @@ PyObject* fn_new_enumerator(const Host& host, void* handle, PyTypeObject& declar
 #define VELBOR_ROW_REVERSE(Slots) {"reverse", Slots::reverse, METH_NOARGS, nullptr}
 #define VELBOR_ROW_COPY(Slots) {"copy", Slots::copy, METH_NOARGS, nullptr}
 #define VELBOR_ROW_COPY_WALKING(Slots) {"copy", Slots::copy_walking, METH_NOARGS, nullptr}
-
-#define VELBOR_DISPOSABLE_ROWS                                              \
-    {"__enter__", wrpPye_bltp_idisposable_enter, METH_NOARGS, nullptr}, {   \
-        "__exit__", wrpPye_bltp_idisposable_exit, METH_VARARGS, nullptr     \
-    }
-
-/// Fixed length, element access: the order of the untyped array and of every typed one.
-#define VELBOR_ARRAY_ROWS(Slots)                                                            \
-    VELBOR_ROW_INDEX(Slots), VELBOR_ROW_COUNT(Slots), VELBOR_ROW_SORT(Slots),               \
-        VELBOR_ROW_REVERSE(Slots), VELBOR_ROW_COPY(Slots), VELBOR_ROW_CONTAINS(Slots)
-
-/// A concrete list: the order of the untyped one and of every typed one.
-#define VELBOR_LIST_ROWS(Slots)                                                             \
-    VELBOR_ROW_EXTEND(Slots), VELBOR_ROW_APPEND(Slots), VELBOR_ROW_INSERT(Slots),           \
-        VELBOR_ROW_REMOVE(Slots), VELBOR_ROW_POP(Slots), VELBOR_ROW_CLEAR(Slots),           \
-        VELBOR_ROW_INDEX(Slots), VELBOR_ROW_COUNT(Slots), VELBOR_ROW_SORT(Slots),           \
-        VELBOR_ROW_REVERSE(Slots), VELBOR_ROW_COPY(Slots), VELBOR_ROW_CONTAINS(Slots)
-
 #define VELBOR_GET_TYPE_ROW {"get_type", wrapClrObject_get_type, METH_NOARGS, nullptr}
 #define VELBOR_LAST_ROW {nullptr, nullptr, 0, nullptr}
-
 #define VELBOR_LENGTH_PROPERTY(Slots) {"length", Slots::get_length, nullptr, nullptr, nullptr}
 
-// Slot tables ------------------------------------------------------------------------------------------------
+#define VELBOR_DISPOSABLE_ROWS                                            \
+    {"__enter__", wrpPye_bltp_idisposable_enter, METH_NOARGS, nullptr},   \
+    {"__exit__", wrpPye_bltp_idisposable_exit, METH_VARARGS, nullptr}
+// clang-format on
+
+/// Fixed length, element access: the order of the untyped array and of every typed one.
+#define VELBOR_ARRAY_ROWS(Slots)                                                                         \
+    VELBOR_ROW_INDEX(Slots), VELBOR_ROW_COUNT(Slots), VELBOR_ROW_SORT(Slots), VELBOR_ROW_REVERSE(Slots), \
+        VELBOR_ROW_COPY(Slots), VELBOR_ROW_CONTAINS(Slots)
+
+/// A concrete list: the order of the untyped one and of every typed one.
+#define VELBOR_LIST_ROWS(Slots)                                                                             \
+    VELBOR_ROW_EXTEND(Slots), VELBOR_ROW_APPEND(Slots), VELBOR_ROW_INSERT(Slots), VELBOR_ROW_REMOVE(Slots), \
+        VELBOR_ROW_POP(Slots), VELBOR_ROW_CLEAR(Slots), VELBOR_ROW_INDEX(Slots), VELBOR_ROW_COUNT(Slots),   \
+        VELBOR_ROW_SORT(Slots), VELBOR_ROW_REVERSE(Slots), VELBOR_ROW_COPY(Slots),                          \
+        VELBOR_ROW_CONTAINS(Slots)
+
+// Slot tables ------------------------------------------------------------------------------------------
 
 /// A collection without element access.
 template <class Slots>

@@ -81,7 +81,9 @@ struct VariantForm {
     static bool equal(const Item& a, const Item& b) {
         return PyObject_RichCompareBool(a.get(), b.get(), Py_EQ) == 1;
     }
-    static bool less(const Item& a, const Item& b) { return PyObject_RichCompareBool(a.get(), b.get(), Py_LT) == 1; }
+    static bool less(const Item& a, const Item& b) {
+        return PyObject_RichCompareBool(a.get(), b.get(), Py_LT) == 1;
+    }
     static Item read(PyObject* value) { return Item(value); }
 };
 
@@ -97,8 +99,12 @@ struct NumberForm {
     static bool less(Item a, Item b) { return a < b; }
     static Item read(PyObject* value) { return Read(value); }
 };
-int read_int(PyObject* value) { return static_cast<int>(PyLong_AsLong(value)); }
-unsigned short read_ushort(PyObject* value) { return static_cast<unsigned short>(PyLong_AsLong(value)); }
+int read_int(PyObject* value) {
+    return static_cast<int>(PyLong_AsLong(value));
+}
+unsigned short read_ushort(PyObject* value) {
+    return static_cast<unsigned short>(PyLong_AsLong(value));
+}
 using DoubleForm = NumberForm<double, PyFloat_AsDouble>;
 using IntForm = NumberForm<int, read_int>;
 using UShortForm = NumberForm<unsigned short, read_ushort>;
@@ -136,7 +142,9 @@ struct ClassForm {
     static void give(const Item& item, Out* out) { *out = new_handle(item); }
     static bool equal(const Item& a, const Item& b) { return a == b; }
     static bool less(const Item& a, const Item& b) { return a->id < b->id; }
-    static Item read(PyObject* value) { return value == Py_None ? nullptr : object_of(fn_wrapper_handle(value)); }
+    static Item read(PyObject* value) {
+        return value == Py_None ? nullptr : object_of(fn_wrapper_handle(value));
+    }
 };
 
 /// Structs and arrays: a record goes in.
@@ -176,12 +184,12 @@ struct Entries {
     using Out = typename Form::Out;
     using Target = List<Form>;
 
-    static std::vector<Item>& items(void* handle) { return static_cast<Target*>(object_of(handle).get())->items; }
+    static std::vector<Item>& items(void* handle) {
+        return static_cast<Target*>(object_of(handle).get())->items;
+    }
     static int size(void* handle) { return static_cast<int>(items(handle).size()); }
 
-    static int SqLength(void* handle) {
-        return enter("SqLength") ? 0 : size(handle) + state().length_error;
-    }
+    static int SqLength(void* handle) { return enter("SqLength") ? 0 : size(handle) + state().length_error; }
     static int find(void* handle, const Item& value, int from, int to) {
         for (int i = from; i < to && i < size(handle); ++i) {
             if (Form::equal(items(handle)[static_cast<std::size_t>(i)], value)) {
@@ -363,7 +371,8 @@ struct Entries {
         if (enter("GetEnumerator")) {
             return -1;
         }
-        *out = {new_handle(std::make_shared<Enumerator<Form>>(std::static_pointer_cast<Target>(object_of(handle)))),
+        *out = {new_handle(
+                    std::make_shared<Enumerator<Form>>(std::static_pointer_cast<Target>(object_of(handle)))),
                 99};
         return 0;
     }
@@ -388,9 +397,9 @@ struct Entries {
         if constexpr (std::is_void_v<typename Form::Unchecked>) {
             offer(type, "SqGetItemNoCheck", SqGetItemNoCheckByPointer);
         } else {
-            offer(type, "SqGetItemNoCheck", +[](void* handle, int index) -> Out {
-                return SqGetItemNoCheckByResult(handle, index);
-            });
+            offer(
+                type, "SqGetItemNoCheck",
+                +[](void* handle, int index) -> Out { return SqGetItemNoCheckByResult(handle, index); });
         }
         offer(type, "SqSetItem", SqSetItem);
         offer(type, "SqSetItemNoCheck", SqSetItemNoCheck);
@@ -430,11 +439,21 @@ int cast(const char* name, void* handle, void** out) {
     *out = handle == nullptr ? nullptr : new_handle(object_of(handle));
     return state().cast_status;
 }
-int btp_CastTo(const VariantArg* record, void** out) { return cast("btp_CastTo", record->payload, out); }
-int btp_CastAsRecord(const VariantArg* record, void** out) { return cast("btp_CastAs", record->payload, out); }
-int btp_CastAsHandle(void* handle, void** out) { return cast("btp_CastAs", handle, out); }
-int btp_ReInterpretObj(void* handle, void** out) { return cast("btp_ReInterpretObj", handle, out); }
-int btp_IsAssignable(const void*) { return enter("btp_IsAssignable") ? 0 : state().assignable; }
+int btp_CastTo(const VariantArg* record, void** out) {
+    return cast("btp_CastTo", record->payload, out);
+}
+int btp_CastAsRecord(const VariantArg* record, void** out) {
+    return cast("btp_CastAs", record->payload, out);
+}
+int btp_CastAsHandle(void* handle, void** out) {
+    return cast("btp_CastAs", handle, out);
+}
+int btp_ReInterpretObj(void* handle, void** out) {
+    return cast("btp_ReInterpretObj", handle, out);
+}
+int btp_IsAssignable(const void*) {
+    return enter("btp_IsAssignable") ? 0 : state().assignable;
+}
 
 void offer_casts(const std::string& type, bool casts_by_handle) {
     offer(type, "btp_TypeOf", btp_TypeOf);
@@ -448,7 +467,9 @@ void offer_casts(const std::string& type, bool casts_by_handle) {
     offer(type, "btp_IsAssignable", btp_IsAssignable);
 }
 
-void* new_enumerable_handle(ObjectRef object) { return new_handle(std::move(object)); }
+void* new_enumerable_handle(ObjectRef object) {
+    return new_handle(std::move(object));
+}
 
 template <class Form>
 void* collect(PyObject* items) {
@@ -473,7 +494,8 @@ TypedForm typed_form() {
     return {collect<Form>, [](const std::string& tag) {
                 for (const char* kind : {"SiApiEnumerator_", "SiApiEnumerable_", "SiApiCntCollection_",
                                          "SiApiCntList_", "SiApiArray_", "SiApiList_"}) {
-                    const bool by_handle = std::string(kind) == "SiApiArray_" || std::string(kind) == "SiApiList_";
+                    const bool by_handle =
+                        std::string(kind) == "SiApiArray_" || std::string(kind) == "SiApiList_";
                     const std::string type = "Velbor.WrpGen.Generic." + (kind + tag);
                     if (std::string(kind) == "SiApiList_") {
                         Entries<Form, true>::offer_all(type);
@@ -487,16 +509,24 @@ TypedForm typed_form() {
 
 const std::map<std::string, TypedForm>& typed_forms() {
     static const std::map<std::string, TypedForm> forms = {
-        {"1BA766B5", typed_form<DoubleForm>()},  {"A4A29720", typed_form<IntForm>()},
-        {"57AC8DC4", typed_form<UShortForm>()},  {"CBE911FC", typed_form<StringForm>()},
-        {"8A028265", typed_form<BytesForm>()},   {"F372CE9B", typed_form<VariantForm>()},
-        {"DAF680C1", typed_form<RecordForm>()},  {"29B75A02", typed_form<RecordForm>()},
-        {"361B67C0", typed_form<RecordForm>()},  {"F44BC945", typed_form<ClassForm>()},
-        {"FD7D0633", typed_form<ClassForm>()},   {"18BDDF85", typed_form<InterfaceForm>()},
-        {"48DBC66A", typed_form<InterfaceForm>()}, {"1FFB0A0F", typed_form<ClassForm>()},
+        {"1BA766B5", typed_form<DoubleForm>()},
+        {"A4A29720", typed_form<IntForm>()},
+        {"57AC8DC4", typed_form<UShortForm>()},
+        {"CBE911FC", typed_form<StringForm>()},
+        {"8A028265", typed_form<BytesForm>()},
+        {"F372CE9B", typed_form<VariantForm>()},
+        {"DAF680C1", typed_form<RecordForm>()},
+        {"29B75A02", typed_form<RecordForm>()},
+        {"361B67C0", typed_form<RecordForm>()},
+        {"F44BC945", typed_form<ClassForm>()},
+        {"FD7D0633", typed_form<ClassForm>()},
+        {"18BDDF85", typed_form<InterfaceForm>()},
+        {"48DBC66A", typed_form<InterfaceForm>()},
+        {"1FFB0A0F", typed_form<ClassForm>()},
         {"3AC634AC", typed_form<IntForm>()},
         // Element types of the tests alone, for hosts that no other test has bound.
-        {"0000000A", typed_form<DoubleForm>()},  {"0000000B", typed_form<DoubleForm>()},
+        {"0000000A", typed_form<DoubleForm>()},
+        {"0000000B", typed_form<DoubleForm>()},
         {"0000000C", typed_form<ClassForm>()},
     };
     return forms;
@@ -511,9 +541,15 @@ void FreeInstance(void* handle) {
     }
 }
 
-void** GetTypeName(void*) { return fn_create_u16_buffer(u"Fake.Type", 9); }
-int ToString(void*, void**) { return 0; }
-int GetHash(void* handle) { return object_of(handle)->id; }
+void** GetTypeName(void*) {
+    return fn_create_u16_buffer(u"Fake.Type", 9);
+}
+int ToString(void*, void**) {
+    return 0;
+}
+int GetHash(void* handle) {
+    return object_of(handle)->id;
+}
 int IsEquals(void* handle, VariantArg* other) {
     return object_of(handle) == object_of(other->payload) ? 1 : 0;
 }
@@ -521,7 +557,9 @@ int GetType(void* handle, void** out) {
     *out = new_handle(object_of(handle));
     return 1;
 }
-void Dispose(void*) { enter("Dispose"); }
+void Dispose(void*) {
+    enter("Dispose");
+}
 void nothing() {}
 
 void offer_everything() {
@@ -529,8 +567,8 @@ void offer_everything() {
     for (const char* name :
          {"SetExceptionCallback", "SetCatchAndClearErrorCallback", "SetU16StrBuilderCallback",
           "SetPyStrBuilderCallback", "SetPyUnraisableStrBuilderCallback", "SetPyBytesBuilderCallback",
-          "SetPyObjApiCallbacks", "SetPyStaticCallbacks", "SetPyGenericCallbacks", "FreePendingArgs", "InitServices",
-          "BoxStcTarget"}) {
+          "SetPyObjApiCallbacks", "SetPyStaticCallbacks", "SetPyGenericCallbacks", "FreePendingArgs",
+          "InitServices", "BoxStcTarget"}) {
         offer(exchange, name, nothing);
     }
     offer(exchange, "GetTypeName", GetTypeName);
@@ -547,9 +585,9 @@ void offer_everything() {
     offer(object, "GetTypeName", nothing);
     offer(object, "Dispose", Dispose);
 
-    for (const char* name : {"SiApiDisposable", "SiApiEnumerator", "SiApiEnumerable", "SiApiCntCollection",
-                             "SiApiCntList", "SiApiArray", "SiApiArrayList", "SiApiCollectionBase",
-                             "SiApiReadOnlyCollectionBase"}) {
+    for (const char* name :
+         {"SiApiDisposable", "SiApiEnumerator", "SiApiEnumerable", "SiApiCntCollection", "SiApiCntList",
+          "SiApiArray", "SiApiArrayList", "SiApiCollectionBase", "SiApiReadOnlyCollectionBase"}) {
         const std::string type = std::string("Velbor.WrpGen.Interop.") + name;
         if (std::string(name) == "SiApiArrayList") {
             Entries<VariantForm, true>::offer_all(type);
@@ -577,7 +615,9 @@ ObjectRef object_of(void* handle) {
     return handle == nullptr ? nullptr : static_cast<Handle*>(handle)->object;
 }
 
-int living_handles() { return living; }
+int living_handles() {
+    return living;
+}
 
 State& state() {
     static State now;
@@ -593,7 +633,8 @@ void* new_collection(const std::string& tag, PyObject* items) {
 
 }  // namespace fake
 
-HostEnvironment* HostEnvironment::instance(const char*, bool, const char*, const char*, const char*, const char*) {
+HostEnvironment* HostEnvironment::instance(const char*, bool, const char*, const char*, const char*,
+                                           const char*) {
     alignas(HostEnvironment) static unsigned char never_read[sizeof(HostEnvironment)];
     return reinterpret_cast<HostEnvironment*>(never_read);
 }

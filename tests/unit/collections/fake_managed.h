@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-// A managed side in C++: real lists behind the entry points of every collection class, so that hosts, forwarders and
-// wrappers run as they are. It stands in for HostEnvironment at link time.
+// A managed side in C++: real lists behind the entry points of every collection class, so that hosts,
+// forwarders and wrappers run as they are. It stands in for HostEnvironment at link time.
 
 namespace fake {
 
@@ -33,16 +33,16 @@ ObjectRef object_of(void* handle);
 int living_handles();
 
 struct State {
-    std::vector<std::string> calls;       // "Name(arguments)", when `recording`
-    std::vector<std::string> bound;       // "Class.Method" in the order of the look-ups
-    std::map<std::string, int> missing;   // "Class.Method" to the status of a look-up
-    std::string failing;                  // the entry point that fails
-    int fails_after = 0;                  // calls that it answers before
+    std::vector<std::string> calls;      // "Name(arguments)", when `recording`
+    std::vector<std::string> bound;      // "Class.Method" in the order of the look-ups
+    std::map<std::string, int> missing;  // "Class.Method" to the status of a look-up
+    std::string failing;                 // the entry point that fails
+    int fails_after = 0;                 // calls that it answers before
     bool recording = true;
-    int assignable = 1;                   // the answer of btp_IsAssignable
-    int handles_bulk = 1;                 // the answer of the bulk operations; another one does nothing
-    int cast_status = 1;                  // the answer of btp_CastTo and btp_CastAs
-    int length_error = 0;                 // added to the count that collections tell
+    int assignable = 1;    // the answer of btp_IsAssignable
+    int handles_bulk = 1;  // the answer of the bulk operations; another one does nothing
+    int cast_status = 1;   // the answer of btp_CastTo and btp_CastAs
+    int length_error = 0;  // added to the count that collections tell
 };
 State& state();
 

@@ -1,5 +1,5 @@
-// Stand-ins for the generated wrappers of the element types: real type objects and the real converter bodies over a
-// managed side that never finds a foreign wrapper assignable.
+// Stand-ins for the generated wrappers of the element types: real type objects and the real converter bodies
+// over a managed side that never finds a foreign wrapper assignable.
 
 #include "generics_elements.h"
 #include "types.h"
@@ -13,7 +13,9 @@ struct NeverAssignable {
     int btp_IsAssignable(const void*) const { return 0; }
 };
 
-bool always_valid() { return false; }
+bool always_valid() {
+    return false;
+}
 
 }  // namespace
 
@@ -39,15 +41,15 @@ bool always_valid() { return false; }
         return fn_conv_clr_clsobj_to_py_clsobj(handle, &wrpPy_tyds_##native);                                \
     }
 
-#define FAKE_INTERFACE(native, python_name)                                                                     \
-    PyTypeObject wrpPy_tyds_##native =                                                                          \
-        fn_make_class_type({.name = "fake." python_name, .create = fn_wrapper_tp_new<always_valid>});           \
-    int wrpPy_conv_py_to_clr_##native(PyObject* value, VariantArg* out) {                                       \
-        return fn_conv_py_to_clr_interface<NeverAssignable>(value, out,                                         \
-                                                            {&wrpPy_tyds_##native, python_name, always_valid}); \
-    }                                                                                                           \
-    PyObject* wrpPy_conv_clr_to_py_##native(const PyObjectOutArg& out) {                                        \
-        return fn_conv_clr_ifcimpl_to_py_ifcimpl(out, &wrpPy_tyds_##native);                                    \
+#define FAKE_INTERFACE(native, python_name)                                                           \
+    PyTypeObject wrpPy_tyds_##native =                                                                \
+        fn_make_class_type({.name = "fake." python_name, .create = fn_wrapper_tp_new<always_valid>}); \
+    int wrpPy_conv_py_to_clr_##native(PyObject* value, VariantArg* out) {                             \
+        return fn_conv_py_to_clr_interface<NeverAssignable>(                                          \
+            value, out, {&wrpPy_tyds_##native, python_name, always_valid});                           \
+    }                                                                                                 \
+    PyObject* wrpPy_conv_clr_to_py_##native(const PyObjectOutArg& out) {                              \
+        return fn_conv_clr_ifcimpl_to_py_ifcimpl(out, &wrpPy_tyds_##native);                          \
     }
 
 FAKE_STRUCT(9F9569E6_Vector2, "Vector2")

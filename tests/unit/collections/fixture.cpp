@@ -11,7 +11,9 @@
 
 namespace {
 
-PyObject* new_wrapper(PyTypeObject* type, void* handle) { return fn_py_clr_type_generic_new(handle, type); }
+PyObject* new_wrapper(PyTypeObject* type, void* handle) {
+    return fn_py_clr_type_generic_new(handle, type);
+}
 
 PyObject* make(PyObject*, PyObject* arguments) {
     PyObject *type = nullptr, *items = nullptr;
@@ -27,7 +29,8 @@ PyObject* make(PyObject*, PyObject* arguments) {
 
 template <PyTypeObject& Type>
 PyObject* make_object(PyObject*, PyObject* number) {
-    return new_wrapper(&Type, fake::new_handle(std::make_shared<fake::Object>(static_cast<int>(PyLong_AsLong(number)))));
+    return new_wrapper(
+        &Type, fake::new_handle(std::make_shared<fake::Object>(static_cast<int>(PyLong_AsLong(number)))));
 }
 
 PyObject* texts(std::vector<std::string>& from) {
@@ -40,9 +43,15 @@ PyObject* texts(std::vector<std::string>& from) {
     return list.release();
 }
 
-PyObject* calls(PyObject*, PyObject*) { return texts(fake::state().calls); }
-PyObject* bound(PyObject*, PyObject*) { return texts(fake::state().bound); }
-PyObject* living(PyObject*, PyObject*) { return PyLong_FromLong(fake::living_handles()); }
+PyObject* calls(PyObject*, PyObject*) {
+    return texts(fake::state().calls);
+}
+PyObject* bound(PyObject*, PyObject*) {
+    return texts(fake::state().bound);
+}
+PyObject* living(PyObject*, PyObject*) {
+    return PyLong_FromLong(fake::living_handles());
+}
 
 PyObject* fail(PyObject*, PyObject* arguments) {
     const char* name = nullptr;
@@ -124,7 +133,9 @@ PyObject* new_cast_result(int status, PyObject* value) {
     return Py_BuildValue("iO", status, value == nullptr ? Py_None : value);
 }
 
-PyObject* wrap_type(void* handle) { return new_wrapper(&wrpPy_tyds_F44BC945_Node, handle); }
+PyObject* wrap_type(void* handle) {
+    return new_wrapper(&wrpPy_tyds_F44BC945_Node, handle);
+}
 
 int take_object(PyObject* value, void** out) {
     if (Py_TYPE(value) != &wrpPy_tyds_F44BC945_Node) {
@@ -203,7 +214,8 @@ void Collections::TearDown() {
     fake::state().recording = true;
     fake::state().assignable = fake::state().handles_bulk = fake::state().cast_status = 1;
     fake::state().length_error = 0;
-    run("for name in set(globals()) - kept: del globals()[name]\nglobals().pop('name', None)\nimport gc\ngc.collect()");
+    run("for name in set(globals()) - kept: del globals()[name]\nglobals().pop('name', None)\nimport "
+        "gc\ngc.collect()");
     EXPECT_EQ(take_error(), "");
     EXPECT_EQ(fake::living_handles(), m_living) << "handles that nobody freed";
 }

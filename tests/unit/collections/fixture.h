@@ -3,7 +3,8 @@
 #include "collections/fake_managed.h"
 #include "python_fixture.h"
 
-// The collection wrappers in an embedded interpreter, over the managed side of fake_managed.h. `__main__` gets:
+// The collection wrappers in an embedded interpreter, over the managed side of fake_managed.h. `__main__`
+// gets:
 //
 //   interop, generic       the two modules
 //   make(type, items)      a wrapper of a new managed collection

@@ -46,21 +46,31 @@ TEST_F(GenericWrappers, EntryPointsInBindingOrder) {
     EXPECT_EQ(names_of(kGenericNamesOfIterable), (Names{"GetEnumerator"}));
     EXPECT_EQ(names_of(kGenericNamesOfICol), (Names{"SqLength", "Add", "Remove", "Clear", "SqInplaceConcat",
                                                     "SqInplaceRepeat", "SqContains", "CountOf"}));
-    EXPECT_EQ(names_of(kGenericNamesOfIList),
-              (Names{"SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek", "Insert", "RemoveAt", "Pop",
-                     "SqInplaceConcat", "SqInplaceRepeat", "MpSetItems", "MpRemoveItems", "Reverse", "Sort",
-                     "IndexBy", "CountOf", "btp_TypeOf", "btp_CastTo", "btp_CastAs", "btp_IsAssignable"}));
-    EXPECT_EQ(names_of(kGenericNamesOfList),
-              (Names{"SqLength", "Add", "Remove", "Clear", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem",
-                     "SqSetItemNoChek", "Insert", "RemoveAt", "Pop", "SqInplaceConcat", "SqInplaceRepeat",
-                     "MpSetItems", "MpRemoveItems", "Reverse", "Sort", "IndexBy", "CountOf", "EnsureCapacity",
-                     "btp_TypeOf", "btp_CastTo", "btp_ReInterpretObj", "btp_CastAs", "btp_IsAssignable"}));
+    EXPECT_EQ(
+        names_of(kGenericNamesOfIList),
+        (Names{"SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek", "Insert", "RemoveAt", "Pop",
+               "SqInplaceConcat", "SqInplaceRepeat", "MpSetItems", "MpRemoveItems", "Reverse", "Sort",
+               "IndexBy", "CountOf", "btp_TypeOf", "btp_CastTo", "btp_CastAs", "btp_IsAssignable"}));
+    EXPECT_EQ(names_of(kGenericNamesOfList), (Names{"SqLength",         "Add",
+                                                    "Remove",           "Clear",
+                                                    "SqContains",       "SqGetItem",
+                                                    "SqGetItemNoCheck", "SqSetItem",
+                                                    "SqSetItemNoChek",  "Insert",
+                                                    "RemoveAt",         "Pop",
+                                                    "SqInplaceConcat",  "SqInplaceRepeat",
+                                                    "MpSetItems",       "MpRemoveItems",
+                                                    "Reverse",          "Sort",
+                                                    "IndexBy",          "CountOf",
+                                                    "EnsureCapacity",   "btp_TypeOf",
+                                                    "btp_CastTo",       "btp_ReInterpretObj",
+                                                    "btp_CastAs",       "btp_IsAssignable"}));
     EXPECT_EQ(names_of(kGenericNamesOfArray),
-              (Names{"SqLength", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek",
-                     "MpSetItems", "Reverse", "Sort", "IndexBy", "CountOf", "btp_TypeOf", "btp_CastTo",
-                     "btp_ReInterpretObj", "btp_CastAs", "btp_IsAssignable"}));
+              (Names{"SqLength", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem",
+                     "SqSetItemNoChek", "MpSetItems", "Reverse", "Sort", "IndexBy", "CountOf", "btp_TypeOf",
+                     "btp_CastTo", "btp_ReInterpretObj", "btp_CastAs", "btp_IsAssignable"}));
     EXPECT_STREQ(PyHost_gn_List<Generic_F44BC945>::kManagedClass, "Velbor.WrpGen.Generic.SiApiList_F44BC945");
-    EXPECT_STREQ(PyHost_gn_ICol<Generic_FD7D0633>::kManagedClass, "Velbor.WrpGen.Generic.SiApiCntCollection_FD7D0633");
+    EXPECT_STREQ(PyHost_gn_ICol<Generic_FD7D0633>::kManagedClass,
+                 "Velbor.WrpGen.Generic.SiApiCntCollection_FD7D0633");
 }
 
 TEST_F(GenericWrappers, TheModuleAndItsTypes) {
@@ -321,10 +331,11 @@ TEST_F(GenericWrappers, AMissingEntryPointMakesTheTypeUnusable) {
     for (int i = 0; i < 2; ++i) {
         fake::state().bound.clear();
         EXPECT_TRUE(Iter::invalidate());
-        EXPECT_EQ(take_error(),
-                  "TypeError: While initializing the host for the 'Velbor.WrpGen.Generic.SiApiEnumerator_00000001 "
-                  "(Assembly=WrpInterop.Velbor.Voxlar)' type, an error occurred - Method 'MoveNext' not found "
-                  "(error=-2146233069)");
+        EXPECT_EQ(
+            take_error(),
+            "TypeError: While initializing the host for the 'Velbor.WrpGen.Generic.SiApiEnumerator_00000001 "
+            "(Assembly=WrpInterop.Velbor.Voxlar)' type, an error occurred - Method 'MoveNext' not found "
+            "(error=-2146233069)");
         // It is not looked for again.
         EXPECT_EQ(fake::state().bound.size(), i == 0 ? 1U : 0U);
     }
@@ -337,10 +348,11 @@ TEST_F(GenericWrappers, AMissingReferenceIsChained) {
     const PyRef error = PyRef::steal(fn_take_pending_error());
     EXPECT_EQ(text_of(error.get()), "one or more refereced type is not initialized");
     const PyRef cause = PyRef::steal(PyException_GetCause(error.get()));
-    EXPECT_EQ(text_of(cause.get()),
-              "While initializing the host for the 'Velbor.WrpGen.Generic.SiApiEnumerable_0000000A "
-              "(Assembly=WrpInterop.Velbor.Voxlar)' type, an error occurred - Method 'GetEnumerator' not found "
-              "(error=-5)");
+    EXPECT_EQ(
+        text_of(cause.get()),
+        "While initializing the host for the 'Velbor.WrpGen.Generic.SiApiEnumerable_0000000A "
+        "(Assembly=WrpInterop.Velbor.Voxlar)' type, an error occurred - Method 'GetEnumerator' not found "
+        "(error=-5)");
 }
 
 TEST_F(GenericWrappers, HostsAreAskedInOrder) {

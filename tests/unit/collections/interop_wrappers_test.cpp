@@ -18,32 +18,81 @@ Names names_of(const char* const (&names)[Count]) {
 class InteropWrappers : public Collections {};
 
 TEST_F(InteropWrappers, EntryPointsInBindingOrder) {
-    EXPECT_EQ(names_of(kNamesOfDisposable), (Names{"btp_IsAssignable", "btp_TypeOf", "btp_CastTo", "btp_CastAs"}));
+    EXPECT_EQ(names_of(kNamesOfDisposable),
+              (Names{"btp_IsAssignable", "btp_TypeOf", "btp_CastTo", "btp_CastAs"}));
     EXPECT_EQ(names_of(kNamesOfIter),
               (Names{"MoveNext", "btp_IsAssignable", "btp_TypeOf", "btp_CastTo", "btp_CastAs"}));
-    EXPECT_EQ(names_of(kNamesOfIterable), (Names{"GetEnumerator", "CreateInstanceFromPyIterable", "btp_IsAssignable",
-                                                 "btp_TypeOf", "btp_CastTo", "btp_CastAs"}));
-    EXPECT_EQ(names_of(kNamesOfICol),
-              (Names{"SqLength", "SqContains", "CountOf", "CreateInstanceFromPyList", "CreateInstanceFromPyIterable",
-                     "btp_IsAssignable", "btp_TypeOf", "btp_CastTo", "btp_CastAs"}));
-    EXPECT_EQ(names_of(kNamesOfIList),
-              (Names{"SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoCheck", "Add", "Insert", "Remove",
-                     "RemoveAt", "Pop", "Clear", "SqInplaceConcat", "SqInplaceRepeat", "MpSetItems", "MpRemoveItems",
-                     "Reverse", "Sort", "IndexBy", "SqContains", "CountOf", "CreateInstanceFromPyList",
-                     "CreateInstanceFromPySequence", "btp_IsAssignable", "btp_TypeOf", "btp_CastTo", "btp_CastAs"}));
+    EXPECT_EQ(names_of(kNamesOfIterable),
+              (Names{"GetEnumerator", "CreateInstanceFromPyIterable", "btp_IsAssignable", "btp_TypeOf",
+                     "btp_CastTo", "btp_CastAs"}));
+    EXPECT_EQ(names_of(kNamesOfICol), (Names{"SqLength", "SqContains", "CountOf", "CreateInstanceFromPyList",
+                                             "CreateInstanceFromPyIterable", "btp_IsAssignable", "btp_TypeOf",
+                                             "btp_CastTo", "btp_CastAs"}));
+    EXPECT_EQ(names_of(kNamesOfIList), (Names{"SqGetItem",
+                                              "SqGetItemNoCheck",
+                                              "SqSetItem",
+                                              "SqSetItemNoCheck",
+                                              "Add",
+                                              "Insert",
+                                              "Remove",
+                                              "RemoveAt",
+                                              "Pop",
+                                              "Clear",
+                                              "SqInplaceConcat",
+                                              "SqInplaceRepeat",
+                                              "MpSetItems",
+                                              "MpRemoveItems",
+                                              "Reverse",
+                                              "Sort",
+                                              "IndexBy",
+                                              "SqContains",
+                                              "CountOf",
+                                              "CreateInstanceFromPyList",
+                                              "CreateInstanceFromPySequence",
+                                              "btp_IsAssignable",
+                                              "btp_TypeOf",
+                                              "btp_CastTo",
+                                              "btp_CastAs"}));
     EXPECT_EQ(names_of(kNamesOfArray),
-              (Names{"SqLength", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek",
-                     "MpSetItems", "Reverse", "Sort", "IndexBy", "CountOf", "CreateInstanceFromPyList",
-                     "CreateInstanceFromPySequence", "btp_IsAssignable", "btp_TypeOf", "btp_CastTo",
-                     "btp_ReInterpretObj", "btp_CastAs"}));
-    EXPECT_EQ(names_of(kNamesOfArrList),
-              (Names{"SqLength", "Add", "Remove", "Clear", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem",
-                     "SqSetItemNoChek", "Insert", "RemoveAt", "Pop", "SqInplaceConcat", "SqInplaceRepeat",
-                     "MpSetItems", "MpRemoveItems", "Reverse", "Sort", "IndexBy", "CountOf", "EnsureCapacity",
-                     "CreateInstanceFromPyList", "CreateInstanceFromPySequence", "btp_IsAssignable", "btp_TypeOf",
-                     "btp_CastTo", "btp_ReInterpretObj", "btp_CastAs"}));
-    const Names base = {"CreateInstanceFromPyList", "CreateInstanceFromPySequence", "btp_IsAssignable", "btp_TypeOf",
-                        "btp_CastTo", "btp_ReInterpretObj", "btp_CastAs"};
+              (Names{"SqLength", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem",
+                     "SqSetItemNoChek", "MpSetItems", "Reverse", "Sort", "IndexBy", "CountOf",
+                     "CreateInstanceFromPyList", "CreateInstanceFromPySequence", "btp_IsAssignable",
+                     "btp_TypeOf", "btp_CastTo", "btp_ReInterpretObj", "btp_CastAs"}));
+    EXPECT_EQ(names_of(kNamesOfArrList), (Names{"SqLength",
+                                                "Add",
+                                                "Remove",
+                                                "Clear",
+                                                "SqContains",
+                                                "SqGetItem",
+                                                "SqGetItemNoCheck",
+                                                "SqSetItem",
+                                                "SqSetItemNoChek",
+                                                "Insert",
+                                                "RemoveAt",
+                                                "Pop",
+                                                "SqInplaceConcat",
+                                                "SqInplaceRepeat",
+                                                "MpSetItems",
+                                                "MpRemoveItems",
+                                                "Reverse",
+                                                "Sort",
+                                                "IndexBy",
+                                                "CountOf",
+                                                "EnsureCapacity",
+                                                "CreateInstanceFromPyList",
+                                                "CreateInstanceFromPySequence",
+                                                "btp_IsAssignable",
+                                                "btp_TypeOf",
+                                                "btp_CastTo",
+                                                "btp_ReInterpretObj",
+                                                "btp_CastAs"}));
+    const Names base = {"CreateInstanceFromPyList",
+                        "CreateInstanceFromPySequence",
+                        "btp_IsAssignable",
+                        "btp_TypeOf",
+                        "btp_CastTo",
+                        "btp_ReInterpretObj",
+                        "btp_CastAs"};
     EXPECT_EQ(names_of(kNamesOfColBase), base);
     EXPECT_EQ(names_of(kNamesOfRoColBase), base);
 }

@@ -38,7 +38,9 @@ int status_of(int status, const char* error) {
     return status;
 }
 
-PyObject* new_ref_to(const PyRef& object) { return fn_new_ref(object.get()); }
+PyObject* new_ref_to(const PyRef& object) {
+    return fn_new_ref(object.get());
+}
 
 TEST_F(PythonCollections, Forms) {
     for (const char* sized : {"[]", "()", "{}", "set()", "''", "range(3)"}) {
@@ -64,7 +66,8 @@ TEST_F(PythonCollections, NextItem) {
     EXPECT_EQ(record.payload, item);
     Py_DECREF(item);
     item = nullptr;
-    EXPECT_EQ(status_of(fn_clbk_iter_next(iterator.get(), &item, &record), "TypeError: unknown variant type"), 2);
+    EXPECT_EQ(status_of(fn_clbk_iter_next(iterator.get(), &item, &record), "TypeError: unknown variant type"),
+              2);
     EXPECT_EQ(item, nullptr);
     EXPECT_EQ(fn_clbk_iter_next(iterator.get(), &item, &record), 1);
     run("def failing():\n    yield 1\n    raise KeyError('later')");
@@ -94,7 +97,8 @@ TEST_F(PythonCollections, Lengths) {
     EXPECT_EQ(fn_clbk_ucol_sequence_length(list.get()), 3);
     EXPECT_EQ(fn_clbk_ucol_sequence_longlength(eval("(1,)").get()), 1);
     EXPECT_EQ(fn_clbk_ucol_object_length(eval("{1: 2}").get()), 1);
-    EXPECT_EQ(status_of(static_cast<int>(fn_clbk_ucol_object_length(eval("Refuses()").get())), "KeyError: 'no length'"),
+    EXPECT_EQ(status_of(static_cast<int>(fn_clbk_ucol_object_length(eval("Refuses()").get())),
+                        "KeyError: 'no length'"),
               -1);
     EXPECT_EQ(fn_clbk_ucol_list_length(eval("()").get()), -1);
     PyErr_Clear();
@@ -173,7 +177,9 @@ TEST_F(PythonCollections, ItemsOfAList) {
         VariantArg record;
         EXPECT_EQ(fn_clbk_olist_get_item(list.get(), 1, &record), 0);
         EXPECT_EQ(record.payload, PyList_GET_ITEM(list.get(), 1));
-        EXPECT_EQ(status_of(fn_clbk_olist_get_item(list.get(), 2, &record), "IndexError: list index out of range"), -2);
+        EXPECT_EQ(
+            status_of(fn_clbk_olist_get_item(list.get(), 2, &record), "IndexError: list index out of range"),
+            -2);
         EXPECT_EQ(fn_clbk_olist_get_item(eval("()").get(), 0, &record), -1);
         PyErr_Clear();
         EXPECT_EQ(fn_clbk_olist_set_item(list.get(), 0, new_ref_to(value)), 0);
@@ -201,9 +207,14 @@ TEST_F(PythonCollections, SearchInAList) {
     EXPECT_EQ(status_of(fn_clbk_olist_remove(list.get(), PyLong_FromLong(9)),
                         "ValueError: list.remove(x): x not in list"),
               -1);
-    EXPECT_EQ(status_of(fn_clbk_olist_contains(list.get(), eval("Raises()").release()), "KeyError: 'compared'"), -1);
-    EXPECT_EQ(status_of(fn_clbk_olist_index_of(list.get(), eval("Raises()").release()), "KeyError: 'compared'"), -2);
-    EXPECT_EQ(status_of(fn_clbk_olist_remove(list.get(), eval("Raises()").release()), "KeyError: 'compared'"), -1);
+    EXPECT_EQ(
+        status_of(fn_clbk_olist_contains(list.get(), eval("Raises()").release()), "KeyError: 'compared'"),
+        -1);
+    EXPECT_EQ(
+        status_of(fn_clbk_olist_index_of(list.get(), eval("Raises()").release()), "KeyError: 'compared'"),
+        -2);
+    EXPECT_EQ(status_of(fn_clbk_olist_remove(list.get(), eval("Raises()").release()), "KeyError: 'compared'"),
+              -1);
     run(R"py(
 class Far:
     def __init__(self, at): self.at = at
@@ -232,17 +243,23 @@ TEST_F(PythonCollections, SequencesThatAreNoLists) {
         EXPECT_EQ(Py_REFCNT(item), before + 1) << "the record's reference";
         Py_DECREF(item);
     }
-    EXPECT_EQ(status_of(fn_clbk_oseq_get_item(pair.get(), 2, &record), "IndexError: tuple index out of range"), -2);
-    EXPECT_EQ(status_of(fn_clbk_oseq_get_item(eval("Refuses()").get(), 0, &record), "KeyError: 'no item'"), -1);
+    EXPECT_EQ(
+        status_of(fn_clbk_oseq_get_item(pair.get(), 2, &record), "IndexError: tuple index out of range"), -2);
+    EXPECT_EQ(status_of(fn_clbk_oseq_get_item(eval("Refuses()").get(), 0, &record), "KeyError: 'no item'"),
+              -1);
     EXPECT_EQ(fn_clbk_oseq_contains(pair.get(), PyLong_FromLong(2)), 1);
     EXPECT_EQ(fn_clbk_oseq_contains(pair.get(), PyLong_FromLong(9)), 0);
     EXPECT_EQ(fn_clbk_oseq_index_of(pair.get(), PyLong_FromLong(2)), 1);
     EXPECT_EQ(fn_clbk_oseq_index_of(pair.get(), PyLong_FromLong(9)), -1);
     EXPECT_EQ(fn_clbk_oseq_index_of(eval("()").get(), PyLong_FromLong(9)), -1);
     // A comparison that raises counts as found.
-    EXPECT_EQ(status_of(fn_clbk_oseq_contains(pair.get(), eval("Raises()").release()), "KeyError: 'compared'"), 1);
-    EXPECT_EQ(status_of(fn_clbk_oseq_index_of(pair.get(), eval("Raises()").release()), "KeyError: 'compared'"), 0);
-    EXPECT_EQ(status_of(fn_clbk_oseq_contains(eval("Refuses()").get(), PyLong_FromLong(9)), "KeyError: 'no length'"), 0);
+    EXPECT_EQ(
+        status_of(fn_clbk_oseq_contains(pair.get(), eval("Raises()").release()), "KeyError: 'compared'"), 1);
+    EXPECT_EQ(
+        status_of(fn_clbk_oseq_index_of(pair.get(), eval("Raises()").release()), "KeyError: 'compared'"), 0);
+    EXPECT_EQ(status_of(fn_clbk_oseq_contains(eval("Refuses()").get(), PyLong_FromLong(9)),
+                        "KeyError: 'no length'"),
+              0);
     run(R"py(
 class Shrinks(Items):
     def __getitem__(self, i):
@@ -355,7 +372,8 @@ TEST_F(PythonCollections, TypedWrites) {
     EXPECT_EQ(fn_clbk_pyseq_F44BC945_index_of(pair.get(), handle()), 1);
     EXPECT_EQ(fn_clbk_pyseq_F44BC945_index_of(eval("()").get(), handle()), -1);
     const PyRef arrays = eval("[]");
-    EXPECT_EQ(fn_clbk_pylist_DAF680C1_add(arrays.get(), fake::new_collection("A4A29720", eval("[1, 2]").get())), 1);
+    EXPECT_EQ(
+        fn_clbk_pylist_DAF680C1_add(arrays.get(), fake::new_collection("A4A29720", eval("[1, 2]").get())), 1);
     EXPECT_STREQ(Py_TYPE(PyList_GET_ITEM(arrays.get(), 0))->tp_name,
                  "velbor.voxlar._wrpgen._generic._ArrayWrapper_A4A29720");
 }
