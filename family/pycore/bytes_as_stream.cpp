@@ -256,20 +256,24 @@ PyObject* stream_get_closed(PyObject* self, void*) {
 
 PyMethodDef stream_methods[] = {
     {"read", stream_read, METH_VARARGS,
-     "read(size=-1, /)\n--\n\nUp to size bytes from the position on; all that are left without a size."},
-    {"readall", stream_readall, METH_NOARGS, "readall()\n--\n\nAll bytes that are left."},
+     "read($self, size=-1, /)\n--\n\nUp to size bytes from the position on; all that are left without a "
+     "size."},
+    {"readall", stream_readall, METH_NOARGS, "readall($self, /)\n--\n\nAll bytes that are left."},
     {"readinto", stream_readinto, METH_O,
-     "readinto(buffer, /)\n--\n\nFills a writable buffer; gives the number of bytes, 0 at the end."},
+     "readinto($self, buffer, /)\n--\n\nFills a writable buffer; gives the number of bytes, 0 at the end."},
     {"write", stream_write, METH_O,
-     "write(data, /)\n--\n\nWrites over the bytes at the position; gives the number of bytes that fitted.\n"
+     "write($self, data, /)\n--\n\nWrites over the bytes at the position; gives the number of bytes that "
+     "fitted.\n"
      "Raises OSError (ENOSPC) when no more fit, io.UnsupportedOperation on read-only memory."},
-    {"seek", stream_seek, METH_VARARGS, "seek(offset, whence=0, /)\n--\n\nMoves the position and gives it."},
-    {"tell", stream_tell, METH_NOARGS, "tell()\n--\n\nThe position."},
-    {"flush", stream_flush, METH_NOARGS, "flush()\n--\n\nNothing is held back, so nothing to do."},
-    {"close", stream_close, METH_NOARGS, "close()\n--\n\nLets the memory go. Closing again does nothing."},
-    {"readable", stream_readable, METH_NOARGS, "readable()\n--\n\nAlways true."},
-    {"writable", stream_writable, METH_NOARGS, "writable()\n--\n\nWhether the memory is writable."},
-    {"seekable", stream_seekable, METH_NOARGS, "seekable()\n--\n\nAlways true."},
+    {"seek", stream_seek, METH_VARARGS,
+     "seek($self, offset, whence=0, /)\n--\n\nMoves the position and gives it."},
+    {"tell", stream_tell, METH_NOARGS, "tell($self, /)\n--\n\nThe position."},
+    {"flush", stream_flush, METH_NOARGS, "flush($self, /)\n--\n\nNothing is held back, so nothing to do."},
+    {"close", stream_close, METH_NOARGS,
+     "close($self, /)\n--\n\nLets the memory go. Closing again does nothing."},
+    {"readable", stream_readable, METH_NOARGS, "readable($self, /)\n--\n\nAlways true."},
+    {"writable", stream_writable, METH_NOARGS, "writable($self, /)\n--\n\nWhether the memory is writable."},
+    {"seekable", stream_seekable, METH_NOARGS, "seekable($self, /)\n--\n\nAlways true."},
     {"__enter__", stream_enter, METH_NOARGS, nullptr},
     {"__exit__", stream_exit, METH_VARARGS, nullptr},
     {},

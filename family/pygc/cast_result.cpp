@@ -96,6 +96,7 @@ constexpr PyTypeObject make_type() {
     type.tp_repr = result_repr;
     type.tp_as_number = &number_methods;
     type.tp_as_sequence = &sequence_methods;
+    type.tp_iter = PySeqIter_New;
     type.tp_getset = result_properties;
     return type;
 }

@@ -42,13 +42,14 @@ PyObject* total_memory(PyObject*, PyObject*) {
 
 PyMethodDef functions[] = {
     {"collect", collect, METH_NOARGS,
-     "collect()\n--\n\nRuns the managed collector with its finalizers, and gives back every Python object "
+     "collect($module, /)\n--\n\nRuns the managed collector with its finalizers, and gives back every Python "
+     "object "
      "that\n"
      "managed code no longer uses."},
     {"living_handles", living_handles, METH_NOARGS,
-     "living_handles()\n--\n\nHow many managed objects the wrappers of this process hold."},
+     "living_handles($module, /)\n--\n\nHow many managed objects the wrappers of this process hold."},
     {"total_memory", total_memory, METH_NOARGS,
-     "total_memory()\n--\n\nBytes that the managed heap holds, without a collection before."},
+     "total_memory($module, /)\n--\n\nBytes that the managed heap holds, without a collection before."},
     {},
 };
 

@@ -48,8 +48,9 @@ PyObject* has_flag(PyObject* self, PyObject* argument) {
 
 PyMethodDef methods[] = {
     {"has_flag", has_flag, METH_O,
-     "has_flag(flag, /)\n--\n\nWhether all bits of another value of the same enum are set in this one."},
-    {"get_type", wrapClrObject_get_type, METH_NOARGS, "get_type()\n--\n\nThe enum type."},
+     "has_flag($self, flag, /)\n--\n\nWhether all bits of another value of the same enum are set in this "
+     "one."},
+    {"get_type", wrapClrObject_get_type, METH_NOARGS, "get_type($self, /)\n--\n\nThe enum type."},
     VELBOR_CLASS_CAST_ROWS(Casts),
     {},
 };

@@ -35,7 +35,7 @@ PyObject* reference_equals(PyObject*, PyObject* args) {
 PyMethodDef methods[] = {
     {"reference_equals", reference_equals, METH_VARARGS | METH_STATIC,
      "reference_equals(left, right, /)\n--\n\nWhether two wrappers stand for the very same managed object."},
-    {"get_type", wrapClrObject_get_type, METH_NOARGS, "get_type()\n--\n\nThe object's own type."},
+    {"get_type", wrapClrObject_get_type, METH_NOARGS, "get_type($self, /)\n--\n\nThe object's own type."},
     VELBOR_CLASS_CAST_ROWS(Casts),
     {},
 };

@@ -142,16 +142,18 @@ PyObject* get_interfaces(PyObject* self, PyObject*) {
 
 PyMethodDef methods[] = {
     {"is_assignable_from", ask_about_type<&TypeApiHost::call_IsAssignableFrom>, METH_O,
-     "is_assignable_from(other, /)\n--\n\nWhether a value of the other type can stand where this one is "
+     "is_assignable_from($self, other, /)\n--\n\nWhether a value of the other type can stand where this one "
+     "is "
      "declared."},
     {"is_subclass_of", ask_about_type<&TypeApiHost::call_IsSubclassOf>, METH_O,
-     "is_subclass_of(other, /)\n--\n\nWhether this type derives from the other one."},
+     "is_subclass_of($self, other, /)\n--\n\nWhether this type derives from the other one."},
     {"is_instance_of_type", is_instance_of_type, METH_O,
-     "is_instance_of_type(value, /)\n--\n\nWhether a managed object is one of this type; false for None."},
+     "is_instance_of_type($self, value, /)\n--\n\nWhether a managed object is one of this type; false for "
+     "None."},
     {"get_interfaces", get_interfaces, METH_NOARGS,
-     "get_interfaces()\n--\n\nThe interfaces that the type implements, as a tuple."},
+     "get_interfaces($self, /)\n--\n\nThe interfaces that the type implements, as a tuple."},
     {"get_type", wrapClrObject_get_type, METH_NOARGS,
-     "get_type()\n--\n\nThe type of the type object itself."},
+     "get_type($self, /)\n--\n\nThe type of the type object itself."},
     VELBOR_CLASS_CAST_ROWS(Casts),
     {},
 };
