@@ -31,11 +31,11 @@ std::intptr_t dead_with_minus_one() {
 
 void free_nothing() {}
 
-// Methods whose integer result is read before the error state: 0 would be an element or a count. All others
-// are handles, truth values and "it is there" flags, for which 0 is the safe answer.
+// Methods whose integer result is read before the error state: 0 would be an element, a count or a refused
+// cast. All others are handles, truth values and "it is there" flags, for which 0 is the safe answer.
 constexpr std::string_view StatusMethods[] = {
-    "MoveNext",  "GetEnumerator", "SqLength", "SqContains", "CountOf",
-    "SqGetItem", "SqSetItem",     "RemoveAt", "Pop",        "IndexBy",
+    "MoveNext", "GetEnumerator", "SqLength", "SqContains", "CountOf",    "SqGetItem",    "SqSetItem",
+    "RemoveAt", "Pop",           "IndexBy",  "btp_CastTo", "btp_CastAs", "btp_CastFrom",
 };
 
 }  // namespace

@@ -148,9 +148,9 @@ internal static unsafe class Variants
         long bits;
         return PyCallbacks.fn_read_py_vers_long(python, &bits) switch
         {
-            1 => (int)bits,
-            2 => bits,
-            3 => (ulong)bits,
+            1 => (object)(int)bits,
+            2 => (object)bits,
+            3 => (object)(ulong)bits,
             _ => throw Errors.TakePending(),
         };
     }
@@ -173,10 +173,11 @@ internal static unsafe class Variants
             ValueKind.Date => PyCallbacks.fn_read_py_vers_date(python, pair),
             _ => PyCallbacks.fn_read_py_vers_time(python, pair),
         };
+        // Boxed one by one: an expression over both would turn each date and time into one with an offset.
         return status switch
         {
-            1 => Ticks.ToDateTime(pair[0]),
-            2 => Ticks.ToDateTimeOffset(pair),
+            1 => (object)Ticks.ToDateTime(pair[0]),
+            2 => (object)Ticks.ToDateTimeOffset(pair),
             _ => throw Errors.TakePending(),
         };
     }

@@ -266,7 +266,7 @@ public class FileFormat
         ArgumentNullException.ThrowIfNull(stream);
         if (!stream.CanRead || !stream.CanSeek)
             throw new ArgumentException("The stream must be readable and seekable.", nameof(stream));
-        return FormatDetector.ByContent(stream) ?? FormatDetector.ByName(fileName);
+        return FormatDetector.Decide(stream, fileName, null);
     }
 
     /// <summary>Finds the format of a file by its content, and where that tells nothing by the extension.</summary>

@@ -38,7 +38,7 @@ public class Node : SceneObject
     {
         _children = new NodeList(this);
         _entities = new OwnedList<Entity>(
-            entity => entity.Holders.Add(this), entity => entity.Holders.Remove(this));
+            entity => entity.Holders.Add(this), entity => entity.Holders.Remove(this), Holds);
     }
 
     /// <summary>What is known about the asset that this node stands for; null at first.</summary>
@@ -237,7 +237,7 @@ public class Node : SceneObject
     public void AddEntity(Entity entity)
     {
         ArgumentNullException.ThrowIfNull(entity);
-        if (!_entities.Contains(entity))
+        if (!Holds(entity))
             _entities.Add(entity);
     }
 
@@ -292,6 +292,11 @@ public class Node : SceneObject
         Transform.Reset();
         ClearUserProperties();
     }
+
+    // A node may hold many entities and an entity may stand in many nodes; the shorter list is searched.
+    private bool Holds(Entity entity) => _entities.Count < entity.Holders.Count
+        ? _entities.Contains(entity)
+        : entity.Holders.Contains(this);
 
     private static T[] Snapshot<T>(IEnumerable<T> items) => [.. items];
 }

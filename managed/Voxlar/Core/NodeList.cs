@@ -67,7 +67,9 @@ internal sealed class NodeList : Collection<Node>
         if (item.OwnerScene is not null)
             throw new InvalidOperationException(
                 "The root node of a scene cannot become a child; merge it into another node instead.");
-        for (Node? node = _owner; node is not null; node = node.Parent)
+        // Only a node with children can stand above another one.
+        bool leaf = item.ChildNodes.Count == 0;
+        for (Node? node = _owner; node is not null; node = leaf ? null : node.Parent)
         {
             if (node == item)
                 throw new InvalidOperationException($"{item} cannot become a child of itself or of a node below it.");

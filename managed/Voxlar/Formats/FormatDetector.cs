@@ -4,6 +4,7 @@ using System.IO;
 using System.IO.Compression;
 using System.Text;
 using System.Text.RegularExpressions;
+using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats;
 
@@ -39,7 +40,7 @@ internal static partial class FormatDetector
         (true, (_, text, _) => FbxHead().Match(text) is { Success: true } head ? FbxText(head) : null),
         (true, (_, text, _) => text.StartsWith('<') && ColladaRoot().IsMatch(text) ? FileFormat.Collada : null),
         (true, (_, text, _) => text.StartsWith('<') && AmfRoot().IsMatch(text) ? FileFormat.AMF : null),
-        (true, (_, text, _) => text.StartsWith('{') && GltfVersion().Match(text) is { Success: true } asset ? Gltf(asset) : null),
+        (true, (_, text, stream) => text.StartsWith('{') ? Gltf(text, stream) : null),
         (true, (head, _, stream) => IsBinaryStl(head, stream) ? FileFormat.STLBinary : null),
         (true, (head, _, stream) => Is3ds(head, stream) ? FileFormat.Discreet3DS : null),
         (false, (_, text, _) => StlSolid().IsMatch(text) ? FileFormat.STLASCII : null),
@@ -65,6 +66,7 @@ internal static partial class FormatDetector
             string text = Text(span);
             foreach ((bool sure, Sniffer sniff) in Rows)
             {
+                stream.Position = start;
                 if (sniff(span, text, stream) is { } format)
                 {
                     certain = sure;
@@ -80,8 +82,19 @@ internal static partial class FormatDetector
         return null;
     }
 
-    /// <summary>The format that the content shows, surely or by its look; null when it shows none.</summary>
-    public static FileFormat? ByContent(Stream stream) => ByContent(stream, out _);
+    /// <summary>The format of a file by its content, by what the caller told, and by its name.</summary>
+    /// <remarks>
+    /// What the content surely is comes first. A guess from the look of a text gives way to the told format and to
+    /// the extension, unless these name the same family, where the guess tells the version or the content.
+    /// </remarks>
+    /// <returns>The format; null when nothing tells it.</returns>
+    public static FileFormat? Decide(Stream stream, string? fileName, FileFormat? told)
+    {
+        FileFormat? found = ByContent(stream, out bool certain);
+        told ??= ByName(fileName);
+        bool overruled = !certain && told is not null && told.FileFormatType != found?.FileFormatType;
+        return overruled ? told : found ?? told;
+    }
 
     /// <summary>The format that the extension names; null when there is none or it is not known.</summary>
     public static FileFormat? ByName(string? fileName)
@@ -125,7 +138,21 @@ internal static partial class FormatDetector
     private static FileFormat GlbVersion(ReadOnlySpan<byte> head) =>
         head.Length >= 8 && BitConverter.ToInt32(head[4..8]) == 1 ? FileFormat.GLTF_Binary : FileFormat.GLTF2_Binary;
 
-    private static FileFormat Gltf(Match asset) => asset.Groups[1].Value == "1" ? FileFormat.GLTF : FileFormat.GLTF2;
+    private static FileFormat? Gltf(string text, Stream stream)
+    {
+        Match asset = GltfVersion().Match(text);
+        if (!asset.Success && stream.Length - stream.Position > HeadLength)
+        {
+            // The asset may stand anywhere; behind long tables it mostly stands at the end.
+            stream.Seek(-HeadLength, SeekOrigin.End);
+            byte[] tail = new byte[HeadLength];
+            stream.ReadExactly(tail);
+            asset = GltfVersion().Match(Encoding.Latin1.GetString(tail));
+        }
+        if (!asset.Success)
+            return null;
+        return asset.Groups[1].Value == "1" ? FileFormat.GLTF : FileFormat.GLTF2;
+    }
 
     private static FileFormat? JtVersion(ReadOnlySpan<byte> head)
     {
@@ -204,9 +231,11 @@ internal static partial class FormatDetector
 
     private static FileFormat Archive(Stream stream)
     {
+        // An archive counts its places from the start of the stream.
+        using MemoryStream? rest = stream.Position == 0 ? null : new MemoryStream(IOUtils.ReadToEnd(stream));
         try
         {
-            using ZipArchive archive = new(stream, ZipArchiveMode.Read, leaveOpen: true);
+            using ZipArchive archive = new(rest ?? stream, ZipArchiveMode.Read, leaveOpen: true);
             bool first = true;
             foreach (ZipArchiveEntry entry in archive.Entries)
             {

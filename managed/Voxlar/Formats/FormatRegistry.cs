@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using Velbor.Voxlar.Formats.Gltf;
 
 namespace Velbor.Voxlar.Formats;
 
@@ -11,6 +12,8 @@ internal static class FormatRegistry
 
     private static readonly Dictionary<FileFormat, Row> Rows = new()
     {
+        [FileFormat.GLTF2] = new(() => new GltfReader(), () => new GltfWriter()),
+        [FileFormat.GLTF2_Binary] = new(() => new GltfReader(), () => new GltfWriter()),
     };
 
     /// <summary>The row of a format; an empty one for formats that are neither read nor written.</summary>

@@ -23,10 +23,20 @@ internal sealed class SaveTransaction : IDisposable
     public string? Folder { get; }
 
     /// <summary>Opens a temporary file that will become the file at the path.</summary>
+    /// <remarks>A link is followed, so that its target gets the content. A device is written to, not replaced.
+    /// </remarks>
+    /// <exception cref="UnauthorizedAccessException">There is such a file and it cannot be written.</exception>
     public Stream Begin(string path)
     {
+        if (new FileInfo(path).LinkTarget is not null)
+            path = File.ResolveLinkTarget(path, returnFinalTarget: true)!.FullName;
+        if (path.StartsWith("/dev/", StringComparison.Ordinal))
+            return Deliver(() => new FileStream(path, FileMode.Open, FileAccess.Write));
         string folder = Path.GetDirectoryName(path)!;
         MakeFolder(folder);
+        // Renaming would replace a file that is write-protected; opening it tells.
+        if (File.Exists(path))
+            new FileStream(path, FileMode.Open, FileAccess.Write, FileShare.ReadWrite).Dispose();
         string temporary = Path.Combine(folder, $".{Path.GetFileName(path)}.{Guid.NewGuid():N}.tmp");
         FileStream stream = new(temporary, FileMode.CreateNew, FileAccess.ReadWrite, FileShare.None, 1 << 16);
         _files.Add(new PendingFile(temporary, path, stream));
@@ -34,18 +44,8 @@ internal sealed class SaveTransaction : IDisposable
     }
 
     /// <summary>Opens a file in memory that will be handed to a file system.</summary>
-    public Stream Begin(FileSystem fileSystem, string name, SaveOptions options)
-    {
-        byte[]? content = null;
-        CommittingStream stream = new(bytes => content = bytes);
-        _deliveries.Add(() =>
-        {
-            stream.Dispose();
-            using Stream target = fileSystem.WriteFile(name, options);
-            target.Write(content);
-        });
-        return stream;
-    }
+    public Stream Begin(FileSystem fileSystem, string name, SaveOptions options) =>
+        Deliver(() => fileSystem.WriteFile(name, options));
 
     /// <summary>Gives all files their names; side files first, so that the main file, begun first, comes last.</summary>
     public void Commit()
@@ -77,6 +77,19 @@ internal sealed class SaveTransaction : IDisposable
         }
         _files.Clear();
         _newFolders.Clear();
+    }
+
+    private CommittingStream Deliver(Func<Stream> open)
+    {
+        byte[] content = [];
+        CommittingStream stream = new(bytes => content = bytes);
+        _deliveries.Add(() =>
+        {
+            stream.Dispose();
+            using Stream target = open();
+            target.Write(content);
+        });
+        return stream;
     }
 
     // Cleaning up goes as far as it can: a file that cannot be removed must not hide why the save failed.

@@ -78,15 +78,9 @@ internal static class SceneLoader
         }
     }
 
-    // What the content surely is comes first. A guess from text gives way to the options and to the extension, unless
-    // these name the same family, where the guess tells the version or the content.
     private static FileFormat Decide(Stream content, string? fileName, string name, LoadOptions? options)
     {
-        FileFormat? found = FormatDetector.ByContent(content, out bool certain);
-        FileFormat? told = options?.FileFormat ?? FormatDetector.ByName(fileName);
-        if (found is not null && !certain && told is not null && told.FileFormatType != found.FileFormatType)
-            found = null;
-        FileFormat? format = found ?? told;
+        FileFormat? format = FormatDetector.Decide(content, fileName, options?.FileFormat);
         if (format is null)
         {
             string extension = Path.GetExtension(fileName) ?? "";

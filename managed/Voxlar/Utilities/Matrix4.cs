@@ -17,6 +17,9 @@ public struct Matrix4 : IEquatable<Matrix4>
     // How far from perpendicular, as a cosine, two axes may stand before a matrix counts as sheared.
     private const double ShearTolerance = 1e-6;
 
+    // How far the last column may be from (0, 0, 0, 1) before a matrix counts as projective.
+    private const double ProjectionTolerance = 1e-9;
+
     /// <summary>Row 0, column 0.</summary>
     public double m00;
 
@@ -318,7 +321,8 @@ public struct Matrix4 : IEquatable<Matrix4>
             ax = -ax;
         }
         bool exact = Math.Abs(ax.Dot(ay)) < ShearTolerance && Math.Abs(ax.Dot(az)) < ShearTolerance
-            && Math.Abs(ay.Dot(az)) < ShearTolerance && m03 == 0 && m13 == 0 && m23 == 0 && m33 == 1;
+            && Math.Abs(ay.Dot(az)) < ShearTolerance && Math.Abs(m33 - 1) < ProjectionTolerance
+            && Math.Max(Math.Max(Math.Abs(m03), Math.Abs(m13)), Math.Abs(m23)) < ProjectionTolerance;
         ay = (ay - ax * ax.Dot(ay)).Normalize();
         az = ax.Cross(ay);
         rotation = Quaternion.FromAxes(ax, ay, az);

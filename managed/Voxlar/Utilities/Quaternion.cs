@@ -58,8 +58,8 @@ public struct Quaternion : IEquatable<Quaternion>
     }
 
     /// <summary>A rotation about x, then y, then z by the given angles in radians.</summary>
-    public static Quaternion FromEulerAngle(Vector3 eulerAngles) =>
-        FromEulerAngle(eulerAngles.x, eulerAngles.y, eulerAngles.z);
+    public static Quaternion FromEulerAngle(Vector3 eulerAngle) =>
+        FromEulerAngle(eulerAngle.x, eulerAngle.y, eulerAngle.z);
 
     /// <summary>The conjugate: the imaginary parts with the other sign.</summary>
     public readonly Quaternion Conjugate() => new(w, -x, -y, -z);

@@ -60,8 +60,7 @@ TEST_F(Decimal, FromTuples) {
     EXPECT_EQ(convert("DecimalTuple(1, (1, 5), -1)"), "F 0 0 80010000");
     EXPECT_EQ(convert("Decimal('1.5').as_tuple()", fn_read_py_decimal_tuple), "F 0 0 10000");
     EXPECT_EQ(convert("Decimal('1.5')", fn_read_py_decimal), "F 0 0 10000");
-    EXPECT_EQ(convert("DecimalTuple(0, (1, 'x'), 0)"),
-              "TypeError: 'str' object cannot be interpreted as an integer");
+    EXPECT_EQ(convert("DecimalTuple(0, (1, 'x'), 0)").substr(0, 10), "TypeError:");
     EXPECT_EQ(convert("DecimalTuple(0, (1,), 2 ** 63)"), "OverflowError: int too big to convert");
     EXPECT_EQ(convert("DecimalTuple(0, (1,), 2 ** 63 - 1)"), TooLarge);
 }

@@ -154,7 +154,7 @@ TEST(ByRef, WhatComesOut) {
     for (const auto& [before, after] :
          {std::pair{"[]", "['out']"}, {"[None]", "['out']"}, {"[3, 4]", "['out', 4]"}}) {
         const PyRef list = eval(before);
-        const PyRef value = eval("''.join(['o', 'ut'])");
+        const PyRef value = eval("'o' + 'ut'");
         const Py_ssize_t references = Py_REFCNT(value.get());
         EXPECT_EQ(fn_push_parbyref_outvalue(list.get(), fn_new_ref(value.get())), 0);
         EXPECT_EQ(repr_of(list.get()), after);

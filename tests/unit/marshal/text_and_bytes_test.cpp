@@ -86,6 +86,10 @@ TEST(Strings, ManagedTextIsDecoded) {
     };
     EXPECT_EQ(decoded(u""), "''");
     EXPECT_EQ(decoded(u"abc"), "'abc'");
+    EXPECT_EQ(decoded(u"a longer text of plain characters"), "'a longer text of plain characters'");
+    EXPECT_EQ(decoded(u"plain but for the la\u0161t"), "'plain but for the la\u0161t'");
+    EXPECT_EQ(decoded(u"\u007f~~~"), "'\\x7f~~~'");
+    EXPECT_EQ(decoded(u"abcd\u0080"), "'abcd\\x80'");
     EXPECT_EQ(decoded(u"caf\u00e9 \u20ac"), "'caf\u00e9 \u20ac'");
     EXPECT_EQ(decoded(u"\U0001F600"), "'\U0001F600'");
     EXPECT_EQ(decoded(u"\uFEFFx"), "'\\ufeffx'");

@@ -1,0 +1,45 @@
+using System.Collections.Generic;
+
+namespace Velbor.Voxlar.Entities;
+
+/// <summary>Which polygons are holes. Mapped by polygon at first.</summary>
+public class VertexElementHole : VertexElement
+{
+    private readonly List<bool> _data = new();
+
+    /// <summary>Makes the element without values.</summary>
+    public VertexElementHole()
+        : base(VertexElementType.Hole, MappingMode.Polygon, ReferenceMode.Direct)
+    {
+    }
+
+    internal List<bool> DataList => _data;
+
+    internal override int ValueCount => _data.Count;
+
+    /// <summary>Replaces the values.</summary>
+    /// <param name="data">True for each polygon that is a hole; the array is copied.</param>
+    public void SetData(bool[] data) => VertexElementTemplate.Assign(_data, data);
+
+    /// <inheritdoc/>
+    public override void Clear()
+    {
+        base.Clear();
+        _data.Clear();
+    }
+
+    internal override VertexElement CreateEmpty() => new VertexElementHole
+    {
+        Name = Name,
+        MappingMode = MappingMode,
+        ReferenceMode = ReferenceMode,
+    };
+
+    private protected override void CopyValuesTo(VertexElement target) =>
+        VertexElementTemplate.Assign(((VertexElementHole)target)._data, _data);
+
+    internal override void AppendValue(VertexElement source, int index) =>
+        _data.Add(((VertexElementHole)source)._data[index]);
+
+    internal override void AppendDefault() => _data.Add(false);
+}

@@ -1,0 +1,382 @@
+using System;
+using System.Collections.Generic;
+using System.Globalization;
+using Velbor.Voxlar.Deformers;
+using Velbor.Voxlar.Entities;
+using Velbor.Voxlar.Shading;
+using Velbor.Voxlar.Utilities;
+
+namespace Velbor.Voxlar.Formats.Gltf;
+
+/// <summary>What a mesh becomes: the entities for its node, the materials that they index, and their morph channels.</summary>
+internal sealed record GltfMeshContent(List<Entity> Entities, List<Material> Materials, List<MorphTargetChannel[]> Morphs);
+
+/// <summary>
+/// Makes the entities of meshes. All triangle primitives of a mesh whose attributes have the same names become one
+/// <see cref="Mesh"/>, each points primitive a <see cref="PointCloud"/>, each lines primitive a <see cref="Line"/>; all of them
+/// stand on the node. Every stored vertex is one control point: nothing is merged or split, and primitives that share their
+/// vertices share the control points. A mesh that several nodes show is made once and stands on all of them.
+/// </summary>
+internal sealed class GltfMeshReader
+{
+    private readonly GltfJson[] meshes;
+    private readonly GltfAccessors accessors;
+    private readonly GltfMaterialReader materials;
+    private readonly GltfSkinReader skins;
+    private readonly bool flipV;
+    private readonly Dictionary<(int Mesh, int Skin, string Weights), GltfMeshContent> made = [];
+    private readonly bool[] used;
+
+    internal GltfMeshReader(GltfJson root, GltfAccessors accessors, GltfMaterialReader materials, GltfSkinReader skins, bool flipV)
+    {
+        meshes = root.Objects("meshes");
+        used = new bool[meshes.Length];
+        this.accessors = accessors;
+        this.materials = materials;
+        this.skins = skins;
+        this.flipV = flipV;
+    }
+
+    internal int Count => meshes.Length;
+
+    internal bool IsUsed(int mesh) => used[mesh];
+
+    /// <summary>The content of a mesh. The same mesh with the same skin and weights gives the same entities.</summary>
+    /// <param name="mesh">The index of the mesh.</param>
+    /// <param name="skin">The index of the skin that deforms it, or -1.</param>
+    /// <param name="weights">The weights of the morph targets when the node tells its own.</param>
+    internal GltfMeshContent Get(int mesh, int skin, double[]? weights)
+    {
+        string weightsKey = weights is null ? string.Empty : string.Join(' ', Array.ConvertAll(
+            weights, static weight => weight.ToString("R", CultureInfo.InvariantCulture)));
+        used[mesh] = true;
+        if (!made.TryGetValue((mesh, skin, weightsKey), out GltfMeshContent? content))
+            made[(mesh, skin, weightsKey)] = content = Make(meshes[mesh], skin, weights);
+        return content;
+    }
+
+    private GltfMeshContent Make(GltfJson json, int skin, double[]? weights)
+    {
+        GltfPrimitive[] primitives = Array.ConvertAll(
+            json.Objects("primitives"), item => GltfPrimitive.Read(item, accessors, materials.Count));
+        if (primitives.Length == 0)
+            throw json.Place.Fault("the mesh has no primitives");
+        foreach (GltfPrimitive primitive in primitives)
+            CheckDraco(primitive);
+        var content = new GltfMeshContent([], [], []);
+        int[] slots = MaterialSlots(primitives, content.Materials);
+        bool severalMaterials = content.Materials.Count > 1;
+        string name = json.StringOrNull("name") ?? string.Empty;
+        double[]? defaults = weights ?? json.DoublesOrNull("weights");
+        foreach (List<int> group in Groups(primitives))
+        {
+            GltfPrimitive first = primitives[group[0]];
+            Entity entity = first.Mode switch
+            {
+                GltfPrimitive.Points => MakePoints(name, first),
+                GltfPrimitive.Lines or GltfPrimitive.LineLoop or GltfPrimitive.LineStrip => MakeLine(name, first),
+                _ => MakeMesh(name, primitives, group, slots),
+            };
+            if (severalMaterials)
+                SetMaterials(entity, primitives, group, slots);
+            if (entity is Geometry geometry)
+            {
+                Deform(geometry, json, primitives, group, skin, defaults, content.Morphs);
+            }
+            else if (first.Targets.Length > 0)
+            {
+                throw first.Place.Child("targets").Fault("morph targets of lines are not supported");
+            }
+            ReadMeshExtras(json, entity);
+            content.Entities.Add(entity);
+        }
+        return content;
+    }
+
+    // Compressed data may come with a plain copy, and then need not be understood; without one there is nothing to read.
+    private void CheckDraco(GltfPrimitive primitive)
+    {
+        if (primitive.Json.TryGetExtension(GltfNames.Draco, out GltfJson draco)
+            && !accessors.HasData(primitive.Attributes[GltfPrimitive.Position]))
+            throw draco.Place.Fault($"the extension {GltfNames.Draco} is not supported");
+    }
+
+    private static void ReadMeshExtras(GltfJson json, Entity entity)
+    {
+        // The names of morph targets are read as the names of the channels.
+        if (json.TryGet(GltfNames.Extras, out GltfJson extras))
+            GltfExtras.Read(extras, entity, "targetNames");
+    }
+
+    /// <summary>
+    /// Puts the materials of the primitives into a list and gives the place of each primitive's. Where some primitives have a
+    /// material and others none, these get the default material, since a place in the list must be told for all.
+    /// </summary>
+    private int[] MaterialSlots(GltfPrimitive[] primitives, List<Material> list)
+    {
+        var slots = new int[primitives.Length];
+        if (Array.TrueForAll(primitives, static primitive => primitive.Material < 0))
+            return slots;
+        for (int i = 0; i < primitives.Length; i++)
+        {
+            Material material = primitives[i].Material < 0 ? materials.Default : materials.Get(primitives[i].Material);
+            slots[i] = list.IndexOf(material);
+            if (slots[i] < 0)
+            {
+                slots[i] = list.Count;
+                list.Add(material);
+            }
+        }
+        return slots;
+    }
+
+    private static List<List<int>> Groups(GltfPrimitive[] primitives)
+    {
+        var groups = new List<List<int>>();
+        var groupOfLayout = new Dictionary<string, List<int>>(StringComparer.Ordinal);
+        for (int i = 0; i < primitives.Length; i++)
+        {
+            if (!primitives[i].IsTriangles)
+            {
+                groups.Add([i]);
+            }
+            else if (groupOfLayout.TryGetValue(primitives[i].Layout, out List<int>? group))
+            {
+                group.Add(i);
+            }
+            else
+            {
+                groups.Add(groupOfLayout[primitives[i].Layout] = [i]);
+            }
+        }
+        return groups;
+    }
+
+    private Mesh MakeMesh(string name, GltfPrimitive[] primitives, List<int> group, int[] slots)
+    {
+        var mesh = new Mesh(name);
+        List<(GltfPrimitive Primitive, int Start)> blocks = Blocks(primitives, group, out int[] starts);
+        FillGeometry(mesh, blocks);
+        var groupOfPolygon = new List<int>();
+        for (int i = 0; i < group.Count; i++)
+        {
+            int[] corners = primitives[group[i]].ReadTriangles(accessors);
+            int start = starts[i];
+            if (start != 0)
+            {
+                for (int k = 0; k < corners.Length; k++)
+                    corners[k] += start;
+            }
+            AddTriangles(mesh, corners);
+            for (int k = 0; k < corners.Length; k += 3)
+                groupOfPolygon.Add(i);
+        }
+        // Where materials do not tell the primitives apart, groups of polygons do.
+        var distinct = new HashSet<int>();
+        foreach (int index in group)
+            distinct.Add(slots[index]);
+        if (distinct.Count < group.Count)
+        {
+            var element = new VertexElementPolygonGroup { MappingMode = MappingMode.Polygon, ReferenceMode = ReferenceMode.Direct };
+            element.SetData([.. groupOfPolygon]);
+            mesh.AddElement(element);
+        }
+        return mesh;
+    }
+
+    private static void AddTriangles(Mesh mesh, int[] corners)
+    {
+        PolygonStore polygons = mesh.PolygonStore;
+        polygons.EnsureCapacity(polygons.Count + corners.Length / 3, polygons.CornerCount + corners.Length);
+        for (int i = 0; i < corners.Length; i += 3)
+            polygons.Add(corners.AsSpan(i, 3));
+    }
+
+    /// <summary>Lays the vertices of a group's primitives one after the other, those of shared vertices once.</summary>
+    private static List<(GltfPrimitive Primitive, int Start)> Blocks(GltfPrimitive[] primitives, List<int> group, out int[] starts)
+    {
+        var blocks = new List<(GltfPrimitive, int)>();
+        var startOf = new Dictionary<string, int>(StringComparer.Ordinal);
+        starts = new int[group.Count];
+        long total = 0;
+        for (int i = 0; i < group.Count; i++)
+        {
+            GltfPrimitive primitive = primitives[group[i]];
+            if (!startOf.TryGetValue(primitive.Block, out starts[i]))
+            {
+                starts[i] = (int)total;
+                startOf[primitive.Block] = starts[i];
+                blocks.Add((primitive, starts[i]));
+                total += primitive.VertexCount;
+                if (total > Array.MaxLength)
+                    throw primitive.Place.Fault("the mesh has more vertices than are supported");
+            }
+        }
+        return blocks;
+    }
+
+    private PointCloud MakePoints(string name, GltfPrimitive primitive)
+    {
+        var points = new PointCloud(name);
+        FillGeometry(points, [(primitive, 0)]);
+        if (primitive.Indices < 0)
+            return points;
+        bool isDeformed = primitive.Targets.Length > 0 || primitive.Attributes.ContainsKey("JOINTS_0");
+        if (isDeformed)
+            throw primitive.Place.Fault("points with indices that are deformed as well are not supported");
+        GltfElements.Gather(points, primitive.ReadIndices(accessors));
+        return points;
+    }
+
+    private Line MakeLine(string name, GltfPrimitive primitive)
+    {
+        var line = new Line(name);
+        float[] positions = accessors.ReadFloats(primitive.Attributes[GltfPrimitive.Position]);
+        line.ControlPoints.AddRange(GltfVectors.From(positions, 3, 1));
+        int[] indices = primitive.ReadIndices(accessors);
+        if (primitive.Mode == GltfPrimitive.Lines)
+        {
+            if (indices.Length % 2 != 0)
+                throw primitive.Place.Fault($"{indices.Length} ends do not make whole lines");
+            for (int i = 0; i < indices.Length; i += 2)
+                line.Segments.Add([indices[i], indices[i + 1]]);
+        }
+        else
+        {
+            line.Segments.Add(primitive.Mode == GltfPrimitive.LineLoop ? [.. indices, indices[0]] : indices);
+        }
+        // A line has no vertex elements; what else is told of its vertices stays under the name of the attribute.
+        foreach ((string semantic, int accessor) in primitive.Attributes)
+        {
+            if (semantic != GltfPrimitive.Position)
+                line.SetProperty(semantic, accessors.ReadAsStored(accessor));
+        }
+        GltfExtras.Read(primitive.Json, line);
+        return line;
+    }
+
+    private void SetMaterials(Entity entity, GltfPrimitive[] primitives, List<int> group, int[] slots)
+    {
+        if (entity is not Geometry geometry)
+        {
+            entity.SetProperty(GltfNames.MaterialIndex, slots[group[0]]);
+            return;
+        }
+        var element = new VertexElementMaterial { ReferenceMode = ReferenceMode.Index };
+        bool isOne = group.TrueForAll(index => slots[index] == slots[group[0]]);
+        if (isOne)
+        {
+            element.MappingMode = MappingMode.AllSame;
+            element.SetIndices([slots[group[0]]]);
+        }
+        else
+        {
+            element.MappingMode = MappingMode.Polygon;
+            var indices = new List<int>();
+            foreach (int index in group)
+            {
+                int corners = primitives[index].Indices >= 0 ? accessors.ElementCount(primitives[index].Indices)
+                                                             : primitives[index].VertexCount;
+                int count = primitives[index].Mode == GltfPrimitive.Triangles ? corners / 3 : corners - 2;
+                for (int k = 0; k < count; k++)
+                    indices.Add(slots[index]);
+            }
+            element.SetIndices([.. indices]);
+        }
+        geometry.AddElement(element);
+    }
+
+    private void FillGeometry(Geometry geometry, List<(GltfPrimitive Primitive, int Start)> blocks)
+    {
+        (GltfPrimitive last, int lastStart) = blocks[^1];
+        int total = lastStart + last.VertexCount;
+        foreach (string semantic in last.Attributes.Keys)
+        {
+            if (semantic == GltfPrimitive.Position)
+                geometry.ControlPointList.AddRange(Vectors(blocks, total, semantic, 3, 1));
+            else if (!GltfSkinReader.IsSkinAttribute(semantic))
+                geometry.AddElement(MakeElement(blocks, total, semantic));
+        }
+    }
+
+    private VertexElement MakeElement(List<(GltfPrimitive Primitive, int Start)> blocks, int total, string semantic)
+    {
+        VertexElementVector4? element = null;
+        int components = accessors.ComponentCount(blocks[0].Primitive.Attributes[semantic]);
+        Vector4[]? values = null;
+        if (semantic == "NORMAL")
+        {
+            element = new VertexElementNormal();
+            values = Vectors(blocks, total, semantic, 3, 0);
+        }
+        else if (semantic == "TANGENT")
+        {
+            element = new VertexElementTangent();
+            values = Vectors(blocks, total, semantic, 4, 0);
+        }
+        else if (semantic.StartsWith("TEXCOORD_", StringComparison.Ordinal))
+        {
+            element = new VertexElementUV(TextureMapping.Diffuse);
+            values = Vectors(blocks, total, semantic, 2, 1);
+            if (flipV)
+                GltfVectors.FlipV(values);
+        }
+        else if (semantic.StartsWith("COLOR_", StringComparison.Ordinal) && components is 3 or 4)
+        {
+            element = new VertexElementVertexColor();
+            values = Vectors(blocks, total, semantic, components, 1);
+        }
+        if (element is null)
+            return GltfElements.Named(new VertexElementUserData { Data = AsStored(blocks, semantic) }, semantic);
+        element.SetData(values!);
+        return GltfElements.Named(element, semantic);
+    }
+
+    private Vector4[] Vectors(List<(GltfPrimitive Primitive, int Start)> blocks, int total, string semantic, int components, double last)
+    {
+        var values = new Vector4[total];
+        foreach ((GltfPrimitive primitive, int start) in blocks)
+        {
+            float[] floats = accessors.ReadFloats(
+                primitive.Attributes[semantic], components, primitive.Place.Child("attributes").Child(semantic));
+            GltfVectors.Copy(floats, components, last, values.AsSpan(start));
+        }
+        return values;
+    }
+
+    private Array AsStored(List<(GltfPrimitive Primitive, int Start)> blocks, string semantic)
+    {
+        if (blocks.Count == 1)
+            return accessors.ReadAsStored(blocks[0].Primitive.Attributes[semantic]);
+        var all = new List<float>();
+        foreach ((GltfPrimitive primitive, _) in blocks)
+            all.AddRange(accessors.ReadFloats(primitive.Attributes[semantic]));
+        return all.ToArray();
+    }
+
+    private void Deform(Geometry geometry, GltfJson json, GltfPrimitive[] primitives, List<int> group, int skin,
+                        double[]? weights, List<MorphTargetChannel[]> morphs)
+    {
+        List<(GltfPrimitive Primitive, int Start)> blocks = Blocks(primitives, group, out _);
+        if (skin >= 0 && blocks[0].Primitive.Attributes.ContainsKey("JOINTS_0"))
+            geometry.Deformers.Add(skins.Make(skin, blocks, accessors));
+        else
+            KeepSkinAttributes(geometry, blocks);
+        if (blocks[0].Primitive.Targets.Length > 0)
+        {
+            MorphTargetDeformer deformer = GltfMorphReader.Make(geometry, json, blocks, accessors, weights, flipV);
+            geometry.Deformers.Add(deformer);
+            morphs.Add([.. deformer.Channels]);
+        }
+    }
+
+    /// <summary>Joints and weights without a skin mean nothing, but another node may use the mesh with one.</summary>
+    private void KeepSkinAttributes(Geometry geometry, List<(GltfPrimitive Primitive, int Start)> blocks)
+    {
+        foreach (string semantic in blocks[0].Primitive.Attributes.Keys)
+        {
+            if (GltfSkinReader.IsSkinAttribute(semantic))
+                geometry.AddElement(GltfElements.Named(new VertexElementUserData { Data = AsStored(blocks, semantic) }, semantic));
+        }
+    }
+}

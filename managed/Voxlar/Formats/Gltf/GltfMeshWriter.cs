@@ -1,0 +1,136 @@
+using System;
+using System.Collections.Generic;
+using System.Globalization;
+using System.Runtime.InteropServices;
+using System.Text.Json.Nodes;
+using Velbor.Voxlar.Deformers;
+using Velbor.Voxlar.Entities;
+using Velbor.Voxlar.Shading;
+using Velbor.Voxlar.Utilities;
+
+namespace Velbor.Voxlar.Formats.Gltf;
+
+/// <summary>
+/// Writes meshes. A geometry becomes one primitive for each material and polygon group of its polygons, all over the same
+/// vertices; where these primitives use ranges of vertices that do not overlap, each gets its range. A geometry without
+/// polygons becomes points, a line becomes lines. Polygons of n corners are cut into n - 2 triangles. Smoothing groups,
+/// creases and holes have no place in a document.
+/// </summary>
+internal sealed class GltfMeshWriter
+{
+    private readonly GltfDocument document;
+    private readonly GltfMaterialWriter materials;
+    private readonly GltfSaveOptions options;
+    private readonly WriteContext context;
+    private readonly Dictionary<string, int> meshOf = new(StringComparer.Ordinal);
+    private readonly Dictionary<object, int> numbers = new(ReferenceEqualityComparer.Instance);
+    private readonly Dictionary<Geometry, GltfGeometryData> dataOf = new(ReferenceEqualityComparer.Instance);
+
+    internal GltfMeshWriter(GltfDocument document, GltfMaterialWriter materials, GltfSaveOptions options, WriteContext context)
+    {
+        this.document = document;
+        this.materials = materials;
+        this.options = options;
+        this.context = context;
+    }
+
+    /// <summary>Whether there is anything to draw, since a document has no empty meshes.</summary>
+    internal static bool HasContent(Entity entity) => entity switch
+    {
+        Geometry geometry => geometry.ControlPointList.Count > 0,
+        Line line => line.ControlPoints.Count > 0,
+        _ => false,
+    };
+
+    /// <summary>The index of the mesh that shows the entities with the materials of their node.</summary>
+    internal int IndexOf(List<Entity> entities, IList<Material> nodeMaterials)
+    {
+        string key = KeyOf(entities, nodeMaterials);
+        if (meshOf.TryGetValue(key, out int known))
+            return known;
+        var json = new JsonObject();
+        if (entities[0].Name.Length > 0)
+            json["name"] = entities[0].Name;
+        var primitives = new JsonArray();
+        foreach (Entity entity in entities)
+        {
+            if (entity is Line line)
+                AddLine(primitives, line, nodeMaterials);
+            else
+                AddGeometry(primitives, (Geometry)entity, nodeMaterials);
+        }
+        json["primitives"] = primitives;
+        WriteMorphMembers(json, entities[0]);
+        return meshOf[key] = document.Add("meshes", json);
+    }
+
+    private string KeyOf(List<Entity> entities, IList<Material> nodeMaterials)
+    {
+        var key = new System.Text.StringBuilder();
+        foreach (Entity entity in entities)
+            key.Append(CultureInfo.InvariantCulture, $"{NumberOf(entity)} ");
+        foreach (Material material in nodeMaterials)
+            key.Append(CultureInfo.InvariantCulture, $"m{NumberOf(material)} ");
+        return key.ToString();
+    }
+
+    private int NumberOf(object item)
+    {
+        if (!numbers.TryGetValue(item, out int number))
+            numbers[item] = number = numbers.Count;
+        return number;
+    }
+
+    private void WriteMorphMembers(JsonObject json, Entity entity)
+    {
+        List<MorphTargetChannel> channels = GltfMorphs.ChannelsOf(entity);
+        if (channels.Count > 0)
+            json["weights"] = GltfValues.Factors(GltfMorphs.DefaultWeights(channels, context));
+        if (options.SaveExtras)
+            GltfExtras.Write(json, entity, static name => name == GltfNames.MaterialIndex || GltfLines.IsAttribute(name));
+        if (!channels.Exists(static channel => channel.Name.Length > 0))
+            return;
+        var names = new JsonArray();
+        foreach (MorphTargetChannel channel in channels)
+            names.Add((JsonNode)channel.Name);
+        if (json["extras"] is not JsonObject extras)
+            json["extras"] = extras = [];
+        extras["targetNames"] = names;
+    }
+
+    private void AddGeometry(JsonArray primitives, Geometry geometry, IList<Material> nodeMaterials)
+    {
+        if (!dataOf.TryGetValue(geometry, out GltfGeometryData? data))
+            dataOf[geometry] = data = new GltfGeometryData(geometry, document, options, context);
+        foreach (GltfGeometryPart part in data.Parts)
+        {
+            JsonObject primitive = data.ToPrimitive(part);
+            SetMaterial(primitive, part.Material, nodeMaterials);
+            primitives.Add((JsonNode)primitive);
+        }
+    }
+
+    private void AddLine(JsonArray primitives, Line line, IList<Material> nodeMaterials)
+    {
+        JsonObject primitive = GltfLines.ToPrimitive(line, document, context);
+        if (nodeMaterials.Count == 0 && line.Color != Vector3.Origin)
+            primitive["material"] = materials.IndexOfColor(line.Color);
+        else
+            SetMaterial(primitive, line.GetProperty(GltfNames.MaterialIndex) is int slot ? slot : 0, nodeMaterials);
+        primitives.Add((JsonNode)primitive);
+    }
+
+    private void SetMaterial(JsonObject primitive, int slot, IList<Material> nodeMaterials)
+    {
+        if (slot < nodeMaterials.Count)
+            primitive["material"] = materials.IndexOf(nodeMaterials[slot]);
+    }
+}
+
+/// <summary>A primitive to be: polygons of one material and group.</summary>
+/// <param name="Material">The place of the material in the node's list.</param>
+/// <param name="Mode">The mode of the primitive.</param>
+/// <param name="Indices">The vertices, or null for all in order.</param>
+/// <param name="First">The first vertex of the range that the primitive uses.</param>
+/// <param name="Count">The number of vertices in the range.</param>
+internal sealed record GltfGeometryPart(int Material, int Mode, int[]? Indices, int First, int Count);
