@@ -58,7 +58,7 @@ internal sealed class SurfaceBuilder
         }
     }
 
-    /// <summary>Turns all polygons round when the closed surface encloses a negative volume.</summary>
+    /// <summary>Turns all polygons and their normals round when the closed surface encloses a negative volume.</summary>
     public void OrientOutward()
     {
         double volume = 0;
@@ -81,6 +81,8 @@ internal sealed class SurfaceBuilder
             _corners.Reverse(start, size);
             start += size;
         }
+        for (int i = 0; i < _normals.Values.Count; ++i)
+            _normals.Values[i] = Vector3.Origin - _normals.Values[i];
     }
 
     /// <summary>Makes the mesh, with normals and diffuse texture coordinates.</summary>
