@@ -5,13 +5,13 @@
 #include "marshal/arguments.h"
 #include "marshal/numbers.h"
 #include "startup/identifiers.h"
-#include "startup/import.h"
 #include "startup/py_ref.h"
 #include "startup/report.h"
 #include "streams/stream_host.h"
 #include "streams/stream_reading.h"
 #include "wrappers/casts.h"
 #include "wrappers/markers.h"
+#include "wrappers/standard_class.h"
 #include "wrappers/type_object.h"
 
 #include <limits>
@@ -440,14 +440,16 @@ int refuse_stream(PyObject* value) {
 // 1 for a Python file object, 0 for anything else, -1 with an error. The classes are fetched at each use:
 // they may come from a module that is only imported now.
 int is_python_stream(PyObject* value) {
+    static const StandardModule io{.name = "io"};
+    static const StandardModule pycore{.name = "velbor.pycore"};
     const struct {
-        const char* module;
+        const StandardModule& module;
         PyObject* name;
-    } bases[] = {{"io", PyWrpIdTypeName_RawIOBase},
-                 {"io", PyWrpIdTypeName_BufferedIOBase},
-                 {"velbor.pycore", PyWrpIdTypeName_BytesAsStream}};
+    } bases[] = {{io, PyWrpIdTypeName_RawIOBase},
+                 {io, PyWrpIdTypeName_BufferedIOBase},
+                 {pycore, PyWrpIdTypeName_BytesAsStream}};
     for (const auto& base : bases) {
-        const PyRef type = PyRef::steal(PyShImport_ImportType(base.module, base.name));
+        const PyRef type = fn_import_class(base.module, base.name);
         const int answer = type ? PyObject_IsInstance(value, type.get()) : -1;
         if (answer != 0) {
             return answer;

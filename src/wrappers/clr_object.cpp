@@ -98,11 +98,11 @@ PyObject* rich_compare(PyObject* self, PyObject* other, int operation) {
     if (fn_conv_py_obj_to_clr_gen_handle(other, &operand) == 0) {
         Py_RETURN_NOTIMPLEMENTED;
     }
-    const bool equal = (Kind::equals(fn_wrapper_handle(self), &operand) & 0xFF) == 1;
+    const int answer = Kind::equals(fn_wrapper_handle(self), &operand) & 0xFF;
     if (PyErr_Occurred() != nullptr) {
         return nullptr;
     }
-    return PyBool_FromLong(equal == (operation == Py_EQ));
+    return PyBool_FromLong(answer == (operation == Py_EQ ? 1 : 0));
 }
 
 template <typename Kind>

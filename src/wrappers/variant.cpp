@@ -2,9 +2,9 @@
 
 #include "marshal/numbers.h"
 #include "startup/identifiers.h"
-#include "startup/import.h"
 #include "startup/py_ref.h"
 #include "wrappers/markers.h"
+#include "wrappers/standard_class.h"
 
 #include <datetime.h>
 
@@ -33,40 +33,20 @@ enum VariantKind {
 
 enum class Answer { no, yes, failed };
 
-// A module of the standard library by its interned name, which lives as long as the process.
-struct StandardModule {
-    const char* name;
-    PyObject* key = PyUnicode_InternFromString(name);
-};
-
-// A class of a module, as a new reference. Asking the table of loaded modules costs a tenth of a full import;
-// the import answers wherever the table does not, with its reports.
-PyRef import_class(const StandardModule& module, PyObject* class_name) {
-    const PyRef loaded = PyRef::steal(PyImport_GetModule(module.key));
-    if (loaded) {
-        PyRef type = PyRef::steal(PyObject_GetAttr(loaded.get(), class_name));
-        if (type) {
-            return type;
-        }
-    }
-    PyErr_Clear();
-    return PyRef::steal(PyShImport_ImportType(module.name, class_name));
-}
-
 const StandardModule& decimal_module() {
-    static const StandardModule module{"decimal"};
+    static const StandardModule module{.name = "decimal"};
     return module;
 }
 
 const StandardModule& uuid_module() {
-    static const StandardModule module{"uuid"};
+    static const StandardModule module{.name = "uuid"};
     return module;
 }
 
 // Whether the value is an instance of a class of the standard library. Only the import can fail: an error of
 // the instance test is a "yes".
 Answer is_instance_of(PyObject* value, const StandardModule& module, PyObject* class_name) {
-    const PyRef type = import_class(module, class_name);
+    const PyRef type = fn_import_class(module, class_name);
     if (!type) {
         return Answer::failed;
     }
