@@ -5,7 +5,9 @@ using System.Collections.ObjectModel;
 
 namespace Velbor.Voxlar.Animation;
 
-/// <summary>A component of an animated property, such as the x of a translation, and the sequences that drive it.</summary>
+/// <summary>
+/// A component of an animated property, such as the x of a translation, and the sequences that drive it.
+/// </summary>
 public class AnimationChannel : IEnumerable<KeyframeSequence>
 {
     private readonly SequenceList _sequences;

@@ -29,10 +29,15 @@ public class AnimationNode : VbrObject
     /// <param name="target">The object whose property is animated.</param>
     /// <param name="propName">The name of the property.</param>
     /// <param name="channelName">The name of the channel.</param>
-    /// <param name="create">Whether what is missing is made: the bind point, the channel and the sequence.</param>
+    /// <param name="create">
+    /// Whether what is missing is made: the bind point, the channel and the sequence.
+    /// </param>
     /// <returns>The sequence, or null when there is none and none is made.</returns>
-    /// <exception cref="ArgumentException">A bind point is to be made, but the object has no such property.</exception>
-    public KeyframeSequence? GetKeyframeSequence(VbrObject target, string propName, string channelName, bool create)
+    /// <exception cref="ArgumentException">
+    /// A bind point is to be made, but the object has no such property.
+    /// </exception>
+    public KeyframeSequence? GetKeyframeSequence(VbrObject target, string propName, string channelName,
+        bool create)
     {
         ArgumentNullException.ThrowIfNull(channelName);
         BindPoint? point = GetBindPoint(target, propName, create);
@@ -57,7 +62,9 @@ public class AnimationNode : VbrObject
     /// <param name="propName">The name of the property.</param>
     /// <param name="create">Whether what is missing is made.</param>
     /// <returns>The sequence, or null when there is none and none is made.</returns>
-    /// <exception cref="ArgumentException">A bind point is to be made, but the object has no such property.</exception>
+    /// <exception cref="ArgumentException">
+    /// A bind point is to be made, but the object has no such property.
+    /// </exception>
     public KeyframeSequence? GetKeyframeSequence(VbrObject target, string propName, bool create)
     {
         BindPoint? point = GetBindPoint(target, propName, create);
@@ -93,7 +100,9 @@ public class AnimationNode : VbrObject
     /// <param name="propName">The name of the property.</param>
     /// <param name="create">Whether a missing one is made.</param>
     /// <returns>The bind point, or null when there is none and none is made.</returns>
-    /// <exception cref="ArgumentException">A bind point is to be made, but the object has no such property.</exception>
+    /// <exception cref="ArgumentException">
+    /// A bind point is to be made, but the object has no such property.
+    /// </exception>
     public BindPoint? GetBindPoint(VbrObject target, string propName, bool create)
     {
         ArgumentNullException.ThrowIfNull(target);
@@ -101,8 +110,9 @@ public class AnimationNode : VbrObject
         Property? property = target.FindProperty(propName);
         foreach (BindPoint point in BindPoints)
         {
-            bool same = point.Target is null ? ReferenceEquals(point.Property, property)
-                                             : ReferenceEquals(point.Target, target) && point.Property.Name == propName;
+            bool same = point.Target is null
+                ? ReferenceEquals(point.Property, property)
+                : ReferenceEquals(point.Target, target) && point.Property.Name == propName;
             if (same)
             {
                 return point;

@@ -5,8 +5,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Animation;
 
 /// <summary>
-/// The tie between a property and the keyframe sequences that drive it. A property has one channel for each component: "X",
-/// "Y", "Z" and "W" as far as a vector or quaternion has them, and one channel of the property's own name for a single value.
+/// The tie between a property and the keyframe sequences that drive it. A property has one channel for each
+/// component: "X", "Y", "Z" and "W" as far as a vector or quaternion has them, and one channel of the
+/// property's own name for a single value.
 /// </summary>
 public class BindPoint : VbrObject
 {
@@ -32,7 +33,9 @@ public class BindPoint : VbrObject
     /// <summary>The scene the property is in, as given at construction.</summary>
     internal Scene? Scene { get; }
 
-    /// <summary>The object that has the property; null when the bind point was made from the property alone.</summary>
+    /// <summary>
+    /// The object that has the property; null when the bind point was made from the property alone.
+    /// </summary>
     internal VbrObject? Target { get; init; }
 
     internal AnimationChannel? FirstChannel => _channels.Count > 0 ? _channels[0] : null;
@@ -43,7 +46,8 @@ public class BindPoint : VbrObject
     /// <param name="name">The name of the channel.</param>
     /// <param name="value">The default value; null gives a channel of any type.</param>
     /// <returns>False when there is a channel of that name already; nothing is changed then.</returns>
-    public bool AddChannel(string name, object? value) => AddChannel(name, value?.GetType() ?? typeof(object), value);
+    public bool AddChannel(string name, object? value) =>
+        AddChannel(name, value?.GetType() ?? typeof(object), value);
 
     /// <summary>Adds a channel.</summary>
     /// <param name="name">The name of the channel.</param>
@@ -74,11 +78,12 @@ public class BindPoint : VbrObject
     /// <summary>Gives the keyframe sequences of a channel.</summary>
     /// <param name="channelName">The name of the channel.</param>
     /// <returns>The channel's own list, or null when there is no such channel.</returns>
-    public IList<KeyframeSequence>? GetKeyframeSequences(string channelName) => GetChannel(channelName)?.KeyframeSequences;
+    public IList<KeyframeSequence>? GetKeyframeSequences(string channelName) =>
+        GetChannel(channelName)?.KeyframeSequences;
 
     /// <summary>
-    /// Makes a keyframe sequence and binds it to the channel of the same name, or else to the first channel; a bind point
-    /// without channels gets one of that name.
+    /// Makes a keyframe sequence and binds it to the channel of the same name, or else to the first channel;
+    /// a bind point without channels gets one of that name.
     /// </summary>
     /// <param name="name">The name of the sequence.</param>
     public KeyframeSequence CreateKeyframeSequence(string name)

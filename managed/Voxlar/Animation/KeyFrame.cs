@@ -4,8 +4,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Animation;
 
 /// <summary>
-/// A value at a time, and the shape of the segment up to the next key. The constructor does not put the key into the
-/// sequence: add it to <see cref="KeyframeSequence.KeyFrames"/>, or use <see cref="KeyframeSequence.Add(double, float)"/>.
+/// A value at a time, and the shape of the segment up to the next key. The constructor does not put the key
+/// into the sequence: add it to <see cref="KeyframeSequence.KeyFrames"/>, or use <see
+/// cref="KeyframeSequence.Add(double, float)"/>.
 /// </summary>
 public class KeyFrame
 {
@@ -33,10 +34,14 @@ public class KeyFrame
     /// <summary>Which key gives the value of a constant segment.</summary>
     public StepMode StepMode { get; set; }
 
-    /// <summary>The direction in which the next key is reached: x is time in seconds, y the change of value.</summary>
+    /// <summary>
+    /// The direction in which the next key is reached: x is time in seconds, y the change of value.
+    /// </summary>
     public Vector2 NextInTangent { get; set; }
 
-    /// <summary>The direction in which this key is left: x is time in seconds, y the change of value.</summary>
+    /// <summary>
+    /// The direction in which this key is left: x is time in seconds, y the change of value.
+    /// </summary>
     public Vector2 OutTangent { get; set; }
 
     /// <summary>The length of the out tangent in time, as a share of the segment.</summary>

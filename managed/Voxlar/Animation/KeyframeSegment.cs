@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Animation;
 
-/// <summary>The values between two neighbouring keys, one formula for each <see cref="Interpolation"/>.</summary>
+/// <summary>
+/// The values between two neighbouring keys, one formula for each <see cref="Interpolation"/>.
+/// </summary>
 internal static class KeyframeSegment
 {
     private const double DefaultWeight = 1.0 / 3;
@@ -19,7 +21,9 @@ internal static class KeyframeSegment
         KeyFrame right = keys[index + 1];
         double length = right.Time - left.Time;
         if (time >= right.Time || length <= 0)
-            return left.Interpolation == Interpolation.BSpline && length > 0 ? Spline(keys, index, 1) : right.Value;
+            return left.Interpolation == Interpolation.BSpline && length > 0
+                ? Spline(keys, index, 1)
+                : right.Value;
         double u = Math.Max((time - left.Time) / length, 0);
         switch (left.Interpolation)
         {
@@ -53,9 +57,11 @@ internal static class KeyframeSegment
         return Cubic(left.Value, v1, v2, right.Value, s);
     }
 
-    private static double Slope(Vector2 tangent, double chord) => tangent.x == 0 ? chord : tangent.y / tangent.x;
+    private static double Slope(Vector2 tangent, double chord) =>
+        tangent.x == 0 ? chord : tangent.y / tangent.x;
 
-    // Time runs monotonously from 0 to 1 along the segment as the handles stay within it, so bisection always ends.
+    // Time runs monotonously from 0 to 1 along the segment as the handles stay within it, so bisection always
+    // ends.
     private static double SolveParameter(double t1, double t2, double u)
     {
         double low = 0;
@@ -100,9 +106,11 @@ internal static class KeyframeSegment
         double deltaBefore = before is null ? delta : (double)left.Value - before.Value;
         double deltaAfter = after is null ? delta : (double)after.Value - right.Value;
 
-        double leave = Tangent(left, deltaBefore, delta, continuity ? left.Continuity : 0, continuity ? left.Bias : 0);
-        double arrive = Tangent(right, delta, deltaAfter, continuity ? -right.Continuity : 0, continuity ? right.Bias : 0);
-        // Uneven spacing would make the speed jump at a key; scaling by the share of this segment keeps it smooth.
+        double shaped = continuity ? 1 : 0;
+        double leave = Tangent(left, deltaBefore, delta, shaped * left.Continuity, shaped * left.Bias);
+        double arrive = Tangent(right, delta, deltaAfter, -shaped * right.Continuity, shaped * right.Bias);
+        // Uneven spacing would make the speed jump at a key; scaling by the share of this segment keeps it
+        // smooth.
         if (before is not null)
             leave *= 2 * length / (right.Time - before.Time);
         if (after is not null)
@@ -114,8 +122,8 @@ internal static class KeyframeSegment
             + (3 * u2 - 2 * u3) * right.Value + (u3 - u2) * arrive;
     }
 
-    // The tangent at a key between the change before it and the change after it; a leaving tangent takes the continuity as
-    // it is, an arriving one takes it with the other sign.
+    // The tangent at a key between the change before it and the change after it; a leaving tangent takes the
+    // continuity as it is, an arriving one takes it with the other sign.
     private static double Tangent(KeyFrame key, double before, double after, double continuity, double bias)
     {
         if (key.Flat)

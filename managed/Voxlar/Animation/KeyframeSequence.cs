@@ -4,7 +4,9 @@ using System.Collections.Generic;
 
 namespace Velbor.Voxlar.Animation;
 
-/// <summary>Key frames in order of time, which give a value for every time. Enumerating it gives the key frames.</summary>
+/// <summary>
+/// Key frames in order of time, which give a value for every time. Enumerating it gives the key frames.
+/// </summary>
 public class KeyframeSequence : VbrObject, IEnumerable<KeyFrame>
 {
     private readonly List<KeyFrame> _keys = new();
@@ -26,7 +28,8 @@ public class KeyframeSequence : VbrObject, IEnumerable<KeyFrame>
     public BindPoint? BindPoint { get; internal set; }
 
     /// <summary>
-    /// The key frames. <see cref="Add(double, float)"/> keeps them in order of time; who changes the list keeps the order.
+    /// The key frames. <see cref="Add(double, float)"/> keeps them in order of time; who changes the list
+    /// keeps the order.
     /// </summary>
     public IList<KeyFrame> KeyFrames => _keys;
 
@@ -123,7 +126,8 @@ public class KeyframeSequence : VbrObject, IEnumerable<KeyFrame>
         }
     }
 
-    // The slope of the outermost segment at its outer end, taken over a small step, which serves every interpolation.
+    // The slope of the outermost segment at its outer end, taken over a small step, which serves every
+    // interpolation.
     private double EdgeSlope(bool before)
     {
         (int left, int right) = before ? (0, 1) : (_keys.Count - 2, _keys.Count - 1);
@@ -135,7 +139,8 @@ public class KeyframeSequence : VbrObject, IEnumerable<KeyFrame>
         double to = before ? _keys[left].Time + step : _keys[right].Time;
         if (_keys[left].Interpolation == Interpolation.Constant)
             return 0;
-        return (KeyframeSegment.Evaluate(_keys, left, to) - KeyframeSegment.Evaluate(_keys, left, from)) / step;
+        double rise = KeyframeSegment.Evaluate(_keys, left, to) - KeyframeSegment.Evaluate(_keys, left, from);
+        return rise / step;
     }
 
     private int FirstNotBefore(double time)

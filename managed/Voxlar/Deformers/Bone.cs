@@ -22,7 +22,9 @@ public class Bone : VbrObject
     {
     }
 
-    /// <summary>The number of control points with a stored weight: the highest index set so far and one.</summary>
+    /// <summary>
+    /// The number of control points with a stored weight: the highest index set so far and one.
+    /// </summary>
     public int WeightCount => _weights.Count;
 
     /// <summary>The transform of the geometry's node when the bone was bound.</summary>

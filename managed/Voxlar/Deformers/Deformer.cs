@@ -10,6 +10,8 @@ public abstract class Deformer : VbrObject
     {
     }
 
-    /// <summary>The geometry that is deformed; null until the deformer is in <see cref="Geometry.Deformers"/>.</summary>
+    /// <summary>
+    /// The geometry that is deformed; null until the deformer is in <see cref="Geometry.Deformers"/>.
+    /// </summary>
     public Geometry? Owner { get; internal set; }
 }

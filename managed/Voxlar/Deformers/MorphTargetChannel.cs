@@ -31,8 +31,9 @@ public class MorphTargetChannel : VbrObject
     }
 
     /// <summary>
-    /// The weights of the targets, one for each entry of <see cref="Targets"/>. They can be replaced, but come and go with
-    /// the targets alone: adding or removing one here throws <see cref="NotSupportedException"/>.
+    /// The weights of the targets, one for each entry of <see cref="Targets"/>. They can be replaced, but
+    /// come and go with the targets alone: adding or removing one here throws <see
+    /// cref="NotSupportedException"/>.
     /// </summary>
     public IList<double> Weights => _weights;
 
@@ -64,7 +65,8 @@ public class MorphTargetChannel : VbrObject
 
     private sealed class WeightList : Collection<double>
     {
-        // The list of targets alone changes the number of weights; it works on the items below the collection's guards.
+        // The list of targets alone changes the number of weights; it works on the items below the
+        // collection's guards.
         public IList<double> Raw => Items;
 
         protected override void InsertItem(int index, double item) => throw Fixed();
@@ -73,7 +75,8 @@ public class MorphTargetChannel : VbrObject
 
         protected override void ClearItems() => throw Fixed();
 
-        private static NotSupportedException Fixed() => new("Weights come and go with the targets of the channel.");
+        private static NotSupportedException Fixed() =>
+            new("Weights come and go with the targets of the channel.");
     }
 
     private sealed class TargetList(WeightList weights) : Collection<Shape>

@@ -4,8 +4,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Equal steps round the y axis. Angle 0 lies on the x axis, and they grow counter-clockwise as seen from positive y. A range
-/// of a full turn or more is a closed ring, whose last step gives exactly the place of the first.
+/// Equal steps round the y axis. Angle 0 lies on the x axis, and they grow counter-clockwise as seen from
+/// positive y. A range of a full turn or more is a closed ring, whose last step gives exactly the place of
+/// the first.
 /// </summary>
 internal readonly struct AngleRange
 {

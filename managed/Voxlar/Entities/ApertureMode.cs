@@ -3,7 +3,9 @@ namespace Velbor.Voxlar.Entities;
 /// <summary>Which field of view of a camera is the given one when the aspect ratio changes.</summary>
 public enum ApertureMode
 {
-    /// <summary>Horizontal and vertical field of view are given apart; together they set the aspect ratio.</summary>
+    /// <summary>
+    /// Horizontal and vertical field of view are given apart; together they set the aspect ratio.
+    /// </summary>
     HorizAndVert = 0,
 
     /// <summary>The horizontal one is kept.</summary>

@@ -8,20 +8,23 @@ namespace Velbor.Voxlar.Entities;
 internal static class BSpline
 {
     /// <summary>
-    /// Gives the knots to use: the given ones if their number fits, or evenly spaced ones. An open spline begins and ends at
-    /// its first and last control point; a closed or periodic one uses its first control points again at its end.
+    /// Gives the knots to use: the given ones if their number fits, or evenly spaced ones. An open spline
+    /// begins and ends at its first and last control point; a closed or periodic one uses its first control
+    /// points again at its end.
     /// </summary>
     /// <param name="given">The knots given, possibly none.</param>
     /// <param name="count">The number of control points, wrapped ones included.</param>
     /// <param name="order">The degree and one.</param>
     /// <param name="clamped">Whether the spline begins and ends at control points.</param>
-    /// <exception cref="InvalidOperationException">There are knots, but of another number or out of order.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// There are knots, but of another number or out of order.
+    /// </exception>
     public static double[] Knots(IReadOnlyList<double> given, int count, int order, bool clamped)
     {
         if (order < 2 || count < order)
         {
             throw new InvalidOperationException(
-                $"A spline of order {order} needs an order of at least 2 and as many control points, not {count}.");
+                $"A spline has an order of at least 2 and as many control points, not {order} and {count}.");
         }
         double[] knots = new double[count + order];
         if (given.Count > 0)
@@ -29,7 +32,8 @@ internal static class BSpline
             if (given.Count != knots.Length)
             {
                 throw new InvalidOperationException(
-                    $"A spline of order {order} over {count} control points has {knots.Length} knots, not {given.Count}.");
+                    $"A spline of order {order} over {count} points has {knots.Length} knots, "
+                    + $"not {given.Count}.");
             }
             for (int i = 0; i < knots.Length; ++i)
             {
@@ -62,7 +66,9 @@ internal static class BSpline
         return low;
     }
 
-    /// <summary>The basis functions that are not zero in a span, for the control points from span - order + 1 on.</summary>
+    /// <summary>
+    /// The basis functions that are not zero in a span, for the control points from span - order + 1 on.
+    /// </summary>
     public static double[] Basis(double[] knots, int order, int span, double u)
     {
         double[] values = new double[order];
@@ -98,7 +104,9 @@ internal static class BSpline
         return breaks;
     }
 
-    /// <summary>Multiplies x, y and z by the weight, which makes a rational spline an ordinary one in four dimensions.</summary>
+    /// <summary>
+    /// Multiplies x, y and z by the weight, which makes a rational spline an ordinary one in four dimensions.
+    /// </summary>
     public static Vector4 Weighted(Vector4 point, bool rational) =>
         rational ? new Vector4(point.x * point.w, point.y * point.w, point.z * point.w, point.w)
                  : new Vector4(point.x, point.y, point.z, 1);

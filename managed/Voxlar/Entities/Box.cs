@@ -33,7 +33,8 @@ public class Box : Primitive
     /// <param name="widthSegments">The number of quads along z, at least 1.</param>
     /// <param name="heightSegments">The number of quads along y, at least 1.</param>
     public Box(
-        string name, double length, double width, double height, int lengthSegments, int widthSegments, int heightSegments)
+        string name, double length, double width, double height, int lengthSegments, int widthSegments,
+        int heightSegments)
         : base(name)
     {
         Length = length;

@@ -4,8 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A camera. Its horizontal and vertical fields of view and its aspect ratio always fit each other; the aperture mode tells
-/// which of them gives way when another is set.
+/// A camera. Its horizontal and vertical fields of view and its aspect ratio always fit each other; the
+/// aperture mode tells which of them gives way when another is set.
 /// </summary>
 public class Camera : Frustum
 {
@@ -48,8 +48,8 @@ public class Camera : Frustum
     public ApertureMode ApertureMode { get; set; } = ApertureMode.Vertical;
 
     /// <summary>
-    /// The field of view in degrees, between 0 and 180: the horizontal one in horizontal aperture mode, the vertical one in
-    /// all others. 45 at first.
+    /// The field of view in degrees, between 0 and 180: the horizontal one in horizontal aperture mode, the
+    /// vertical one in all others. 45 at first.
     /// </summary>
     public double FieldOfView
     {
@@ -64,8 +64,8 @@ public class Camera : Frustum
     }
 
     /// <summary>
-    /// The horizontal field of view in degrees, between 0 and 180. Setting it changes the vertical one at the same aspect
-    /// ratio; when both are given, it changes the aspect ratio.
+    /// The horizontal field of view in degrees, between 0 and 180. Setting it changes the vertical one at the
+    /// same aspect ratio; when both are given, it changes the aspect ratio.
     /// </summary>
     public double FieldOfViewX
     {
@@ -81,8 +81,8 @@ public class Camera : Frustum
     }
 
     /// <summary>
-    /// The vertical field of view in degrees, between 0 and 180. Setting it changes the horizontal one at the same aspect
-    /// ratio; when both are given, it changes the aspect ratio.
+    /// The vertical field of view in degrees, between 0 and 180. Setting it changes the horizontal one at the
+    /// same aspect ratio; when both are given, it changes the aspect ratio.
     /// </summary>
     public double FieldOfViewY
     {
@@ -104,7 +104,9 @@ public class Camera : Frustum
         set => Aspect = Positive(value) / _height;
     }
 
-    /// <summary>The height of the picture; setting it keeps the width and changes the aspect ratio. 1 at first.</summary>
+    /// <summary>
+    /// The height of the picture; setting it keeps the width and changes the aspect ratio. 1 at first.
+    /// </summary>
     public double Height
     {
         get => _height;
@@ -116,7 +118,9 @@ public class Camera : Frustum
         }
     }
 
-    /// <summary>The width of the picture divided by its height: the same as <see cref="Frustum.Aspect"/>.</summary>
+    /// <summary>
+    /// The width of the picture divided by its height: the same as <see cref="Frustum.Aspect"/>.
+    /// </summary>
     public double AspectRatio
     {
         get => Aspect;
@@ -130,14 +134,18 @@ public class Camera : Frustum
     public ProjectionType ProjectionType { get; set; }
 
     /// <summary>
-    /// Moves the camera's node in the direction of the view. In the mode of a fixed target the camera keeps looking at it.
+    /// Moves the camera's node in the direction of the view. In the mode of a fixed target the camera keeps
+    /// looking at it.
     /// </summary>
     /// <param name="distance">How far, in the unit of world space; negative moves back.</param>
-    /// <exception cref="InvalidOperationException">No node holds the camera, so that it has no place.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// No node holds the camera, so that it has no place.
+    /// </exception>
     public void MoveForward(double distance)
     {
         Node node = ParentNode
-            ?? throw new InvalidOperationException("A camera without a node has no place that could be moved.");
+            ?? throw new InvalidOperationException(
+                "A camera without a node has no place that could be moved.");
         Vector3 place = node.GlobalTransform.Translation + Direction * distance;
         if (node.ParentNode is Node parent)
             place *= parent.GlobalTransform.TransformMatrix.Inverse();

@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>A circle about the origin in the plane of x and y. Its parameter is an angle in radians from x to y.</summary>
+/// <summary>
+/// A circle about the origin in the plane of x and y. Its parameter is an angle in radians from x to y.
+/// </summary>
 public class Circle : Curve
 {
     /// <summary>Makes a circle of radius 5.</summary>
@@ -32,5 +34,6 @@ public class Circle : Curve
 
     internal override Vector3 PointAt(double parameter) => RoundCurve.PointAt(parameter, Radius, Radius);
 
-    internal override List<double> Parameters(double from, double to) => Even(from, to, RoundCurve.Steps(from, to));
+    internal override List<double> Parameters(double from, double to) =>
+        Even(from, to, RoundCurve.Steps(from, to));
 }

@@ -23,7 +23,9 @@ public abstract class Curve : Entity
     /// <summary>The parameter at which the curve ends.</summary>
     internal abstract double End { get; }
 
-    /// <summary>How much the parameter grows in one round of a curve that goes on after its end; 0 for all others.</summary>
+    /// <summary>
+    /// How much the parameter grows in one round of a curve that goes on after its end; 0 for all others.
+    /// </summary>
     internal virtual double Period => 0;
 
     /// <inheritdoc/>
@@ -42,11 +44,14 @@ public abstract class Curve : Entity
     internal abstract Vector3 PointAt(double parameter);
 
     /// <summary>
-    /// The parameters of a polyline that stands for a part of the curve: from the first to the last, both included, growing.
+    /// The parameters of a polyline that stands for a part of the curve: from the first to the last, both
+    /// included, growing.
     /// </summary>
     internal abstract List<double> Parameters(double from, double to);
 
-    /// <summary>The points of a polyline that stands for the curve; a closed curve ends with the point it begins with.</summary>
+    /// <summary>
+    /// The points of a polyline that stands for the curve; a closed curve ends with the point it begins with.
+    /// </summary>
     internal virtual List<Vector3> Tessellate() => Parameters(Begin, End).ConvertAll(PointAt);
 
     /// <summary>The parameter of the point of the curve that is nearest to a point.</summary>
@@ -63,7 +68,8 @@ public abstract class Curve : Entity
             return Begin;
         double low = parameters[best == 0 ? 0 : best - 1];
         double high = parameters[best == parameters.Count - 1 ? best : best + 1];
-        // The distance has one minimum between the neighbours of the nearest sample, so ternary search closes in on it.
+        // The distance has one minimum between the neighbours of the nearest sample, so ternary search closes
+        // in on it.
         for (int i = 0; i < 100; ++i)
         {
             double third = (high - low) / 3;

@@ -4,8 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A cylinder, cone or frustum of a cone along y, or a part of one round the axis. Theta runs round the axis from x,
-/// counter-clockwise as seen from above, in radians.
+/// A cylinder, cone or frustum of a cone along y, or a part of one round the axis. Theta runs round the axis
+/// from x, counter-clockwise as seen from above, in radians.
 /// </summary>
 public class Cylinder : Primitive
 {
@@ -39,11 +39,14 @@ public class Cylinder : Primitive
     /// <param name="radiusTop">The radius at the top; 0 for a cone.</param>
     /// <param name="radiusBottom">The radius at the bottom.</param>
     /// <param name="height">The height.</param>
-    /// <param name="radialSegments">The number of segments round the axis; a full ring has at least 3.</param>
+    /// <param name="radialSegments">
+    /// The number of segments round the axis; a full ring has at least 3.
+    /// </param>
     /// <param name="heightSegments">The number of segments along the axis, at least 1.</param>
     /// <param name="openEnded">Whether top and bottom are left out.</param>
     public Cylinder(
-        double radiusTop, double radiusBottom, double height, int radialSegments, int heightSegments, bool openEnded)
+        double radiusTop, double radiusBottom, double height, int radialSegments, int heightSegments,
+        bool openEnded)
         : this("", radiusTop, radiusBottom, height, radialSegments, heightSegments, openEnded, 0, 2 * Math.PI)
     {
     }
@@ -53,13 +56,16 @@ public class Cylinder : Primitive
     /// <param name="radiusTop">The radius at the top; 0 for a cone.</param>
     /// <param name="radiusBottom">The radius at the bottom.</param>
     /// <param name="height">The height.</param>
-    /// <param name="radialSegments">The number of segments round the axis; a full ring has at least 3.</param>
+    /// <param name="radialSegments">
+    /// The number of segments round the axis; a full ring has at least 3.
+    /// </param>
     /// <param name="heightSegments">The number of segments along the axis, at least 1.</param>
     /// <param name="openEnded">Whether top and bottom are left out.</param>
     /// <param name="thetaStart">Where it begins round the axis, in radians.</param>
     /// <param name="thetaLength">How far it goes round the axis, in radians.</param>
     public Cylinder(
-        string name, double radiusTop, double radiusBottom, double height, int radialSegments, int heightSegments,
+        string name, double radiusTop, double radiusBottom, double height, int radialSegments,
+        int heightSegments,
         bool openEnded, double thetaStart, double thetaLength)
         : base(name)
     {
@@ -80,8 +86,8 @@ public class Cylinder : Primitive
     public Vector3 OffsetTop { get; set; }
 
     /// <summary>
-    /// Whether a part round the axis is closed by two faces from the axis to its ends, as a slice of a cake is. It has no
-    /// effect on a full ring.
+    /// Whether a part round the axis is closed by two faces from the axis to its ends, as a slice of a cake
+    /// is. It has no effect on a full ring.
     /// </summary>
     public bool GenerateFanCylinder { get; set; }
 
@@ -123,7 +129,9 @@ public class Cylinder : Primitive
     /// <summary>How far it goes round the axis, in radians.</summary>
     public double ThetaLength { get; set; }
 
-    /// <summary>Makes a mesh: quads round the side, and top and bottom as triangles about their middles.</summary>
+    /// <summary>
+    /// Makes a mesh: quads round the side, and top and bottom as triangles about their middles.
+    /// </summary>
     public override Mesh ToMesh()
     {
         AngleRange theta = new(ThetaStart, ThetaLength, RadialSegments);
@@ -135,9 +143,11 @@ public class Cylinder : Primitive
         {
             for (int i = 0; i < theta.Steps; ++i)
             {
-                surface.Polygon(top.Middle(up: true), top.Rim(theta, i, up: true), top.Rim(theta, i + 1, up: true));
+                surface.Polygon(top.Middle(up: true), top.Rim(theta, i, up: true),
+                    top.Rim(theta, i + 1, up: true));
                 surface.Polygon(
-                    bottom.Middle(up: false), bottom.Rim(theta, i + 1, up: false), bottom.Rim(theta, i, up: false));
+                    bottom.Middle(up: false), bottom.Rim(theta, i + 1, up: false),
+                    bottom.Rim(theta, i, up: false));
             }
         }
         if (GenerateFanCylinder && !theta.Closed)
@@ -155,7 +165,8 @@ public class Cylinder : Primitive
             double share = (double)j / HeightSegments;
             Vector3 low = bottom.Point(theta.Outward(i));
             Vector3 high = top.Point(theta.Outward(i));
-            Vector3 along = bottom.Tangent(theta.Along(i)) * (1 - share) + top.Tangent(theta.Along(i)) * share;
+            Vector3 along = bottom.Tangent(theta.Along(i)) * (1 - share)
+                + top.Tangent(theta.Along(i)) * share;
             // At the tip of a cone the ring has no extent; the slope of its neighbourhood counts there.
             if (along.Length == 0)
                 along = bottom.Tangent(theta.Along(i)) + top.Tangent(theta.Along(i));
@@ -166,7 +177,8 @@ public class Cylinder : Primitive
         });
     }
 
-    private void Slice(SurfaceBuilder surface, End bottom, End top, AngleRange theta, int step, Vector3 normal)
+    private void Slice(SurfaceBuilder surface, End bottom, End top, AngleRange theta, int step,
+        Vector3 normal)
     {
         Vector3 outward = theta.Outward(step);
         bool begins = step == 0;

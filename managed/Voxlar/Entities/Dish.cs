@@ -3,8 +3,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Half an ellipsoid of revolution on a flat round base. The base lies about the origin, the top at y = <see cref="Height"/>;
-/// with a height equal to the radius it is half a sphere.
+/// Half an ellipsoid of revolution on a flat round base. The base lies about the origin, the top at y = <see
+/// cref="Height"/>; with a height equal to the radius it is half a sphere.
 /// </summary>
 public class Dish : Primitive
 {
@@ -74,7 +74,8 @@ public class Dish : Primitive
                 position, normal, new Vector2((double)i / ring.Steps, (double)j / HeightSegments));
         });
         for (int i = 0; i < ring.Steps; ++i)
-            surface.Polygon(BaseCorner(Vector3.Origin), BaseCorner(ring.Outward(i + 1)), BaseCorner(ring.Outward(i)));
+            surface.Polygon(BaseCorner(Vector3.Origin), BaseCorner(ring.Outward(i + 1)),
+                BaseCorner(ring.Outward(i)));
         return surface.ToMesh(Name);
     }
 

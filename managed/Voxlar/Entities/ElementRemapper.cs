@@ -4,19 +4,22 @@ using System.Collections.Generic;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Carries the vertex elements of a mesh over to one that is made of its parts: for each control point, corner, polygon and
-/// edge of the new mesh it knows the one it comes from.
+/// Carries the vertex elements of a mesh over to one that is made of its parts: for each control point,
+/// corner, polygon and edge of the new mesh it knows the one it comes from.
 /// </summary>
 /// <param name="ControlPoints">The old control point of each new one; null where they are the same.</param>
 /// <param name="Corners">The old corner of each new one.</param>
 /// <param name="Polygons">The old polygon of each new one.</param>
 /// <param name="Edges">The old edge of each new one, or -1; null where edges are not carried over.</param>
 internal sealed record ElementRemapper(
-    IReadOnlyList<int>? ControlPoints, IReadOnlyList<int> Corners, IReadOnlyList<int> Polygons, IReadOnlyList<int>? Edges)
+    IReadOnlyList<int>? ControlPoints, IReadOnlyList<int> Corners, IReadOnlyList<int> Polygons,
+    IReadOnlyList<int>? Edges)
 {
     /// <summary>Makes the element for the new mesh; null when it cannot be carried over.</summary>
     /// <param name="source">The element of the old mesh.</param>
-    /// <param name="compact">Whether values that are selected by an index are left out when none selects them.</param>
+    /// <param name="compact">
+    /// Whether values that are selected by an index are left out when none selects them.
+    /// </param>
     public VertexElement? Remap(VertexElement source, bool compact)
     {
         IReadOnlyList<int>? items = source.MappingMode switch

@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>An ellipse about the origin in the plane of x and y. Its parameter is an angle in radians from x to y.</summary>
+/// <summary>
+/// An ellipse about the origin in the plane of x and y. Its parameter is an angle in radians from x to y.
+/// </summary>
 public class Ellipse : Curve
 {
     /// <summary>Makes an ellipse with semi-axes of 5 and 3.</summary>
@@ -35,7 +37,9 @@ public class Ellipse : Curve
 
     internal override double Period => 2 * Math.PI;
 
-    internal override Vector3 PointAt(double parameter) => RoundCurve.PointAt(parameter, SemiAxis1, SemiAxis2);
+    internal override Vector3 PointAt(double parameter) =>
+        RoundCurve.PointAt(parameter, SemiAxis1, SemiAxis2);
 
-    internal override List<double> Parameters(double from, double to) => Even(from, to, RoundCurve.Steps(from, to));
+    internal override List<double> Parameters(double from, double to) =>
+        Even(from, to, RoundCurve.Steps(from, to));
 }

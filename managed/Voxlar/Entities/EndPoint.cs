@@ -56,7 +56,8 @@ public readonly struct EndPoint : IEquatable<EndPoint>
 
     /// <inheritdoc/>
     public bool Equals(EndPoint other) =>
-        IsCartesianPoint == other.IsCartesianPoint && _point.Equals(other._point) && _value.Equals(other._value);
+        IsCartesianPoint == other.IsCartesianPoint && _point.Equals(other._point)
+            && _value.Equals(other._value);
 
     /// <inheritdoc/>
     public override bool Equals(object? obj) => obj is EndPoint other && Equals(other);

@@ -5,8 +5,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// The view of a camera or a light. It looks from the place of its node, in world space, either in a fixed direction or at a
-/// fixed target; setting <see cref="Direction"/>, <see cref="LookAt"/> or <see cref="Target"/> chooses which.
+/// The view of a camera or a light. It looks from the place of its node, in world space, either in a fixed
+/// direction or at a fixed target; setting <see cref="Direction"/>, <see cref="LookAt"/> or <see
+/// cref="Target"/> chooses which.
 /// </summary>
 public abstract class Frustum : Entity, IOrientable
 {
@@ -39,7 +40,8 @@ public abstract class Frustum : Entity, IOrientable
         set
         {
             if (!(value > 0) || double.IsInfinity(value))
-                throw new ArgumentOutOfRangeException(nameof(value), "The aspect ratio is a positive number.");
+                throw new ArgumentOutOfRangeException(nameof(value),
+                    "The aspect ratio is a positive number.");
             double old = _aspect;
             _aspect = value;
             OnAspectChanged(old);
@@ -53,8 +55,9 @@ public abstract class Frustum : Entity, IOrientable
     public Vector3 Up { get; set; } = Vector3.YAxis;
 
     /// <summary>
-    /// The point looked at, in world space: the target node's place if there is one, the fixed point in the mode of a fixed
-    /// target, and the point one unit ahead otherwise. Setting it fixes the point and drops the target node.
+    /// The point looked at, in world space: the target node's place if there is one, the fixed point in the
+    /// mode of a fixed target, and the point one unit ahead otherwise. Setting it fixes the point and drops
+    /// the target node.
     /// </summary>
     public Vector3 LookAt
     {
@@ -73,8 +76,9 @@ public abstract class Frustum : Entity, IOrientable
     }
 
     /// <summary>
-    /// The direction of the view, of length 1, in world space. Setting it, to a vector of any length, fixes the direction and
-    /// drops the target node. A view that looks at its own place keeps the direction it had.
+    /// The direction of the view, of length 1, in world space. Setting it, to a vector of any length, fixes
+    /// the direction and drops the target node. A view that looks at its own place keeps the direction it
+    /// had.
     /// </summary>
     /// <exception cref="ArgumentException">The vector has no direction.</exception>
     public Vector3 Direction
@@ -98,7 +102,8 @@ public abstract class Frustum : Entity, IOrientable
     }
 
     /// <summary>
-    /// The node looked at, or null. Setting one makes the target fixed; setting null leaves the view looking where it did.
+    /// The node looked at, or null. Setting one makes the target fixed; setting null leaves the view looking
+    /// where it did.
     /// </summary>
     public Node? Target
     {
@@ -116,7 +121,9 @@ public abstract class Frustum : Entity, IOrientable
         }
     }
 
-    /// <summary>The place of the first node that holds this entity, in world space; the origin without a node.</summary>
+    /// <summary>
+    /// The place of the first node that holds this entity, in world space; the origin without a node.
+    /// </summary>
     private protected Vector3 Position => ParentNode?.GlobalTransform.Translation ?? Vector3.Origin;
 
     /// <inheritdoc/>

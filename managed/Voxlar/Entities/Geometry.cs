@@ -28,7 +28,8 @@ public class Geometry : Entity
     public bool Visible { get; set; } = true;
 
     /// <summary>
-    /// The deformers. A deformer belongs to one geometry: adding it here takes it away from the one it was on before.
+    /// The deformers. A deformer belongs to one geometry: adding it here takes it away from the one it was on
+    /// before.
     /// </summary>
     public ICollection<Deformer> Deformers => _deformers;
 

@@ -22,7 +22,8 @@ internal static class HeightMap
             {
                 int at = row * pixels.Stride + 2 * column;
                 double brightness = (pixels.Data[at] | pixels.Data[at + 1] << 8) / 65535.0;
-                Vector3 point = new((double)column / (width - 1) - 0.5, brightness, (double)row / (height - 1) - 0.5);
+                Vector3 point = new((double)column / (width - 1) - 0.5, brightness,
+                    (double)row / (height - 1) - 0.5);
                 mesh.ControlPointList.Add(new Vector4(point * transform, 1));
             }
         }

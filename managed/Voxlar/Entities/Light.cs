@@ -42,7 +42,9 @@ public class Light : Frustum
     /// <summary>The angle of the cone of full brightness of a spot light, in degrees; 45 at first.</summary>
     public double HotSpot { get; set; } = 45;
 
-    /// <summary>The angle of the cone outside of which a spot light gives no light, in degrees; 45 at first.</summary>
+    /// <summary>
+    /// The angle of the cone outside of which a spot light gives no light, in degrees; 45 at first.
+    /// </summary>
     public double Falloff { get; set; } = 45;
 
     /// <summary>The part of the attenuation that does not depend on the distance; 1 at first.</summary>

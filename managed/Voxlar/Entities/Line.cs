@@ -5,8 +5,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Polylines over common points. Each segment is a chain of point indices; as one curve, the chains follow each other, and the
-/// parameter counts the points passed. A line without segments runs through all points in order.
+/// Polylines over common points. Each segment is a chain of point indices; as one curve, the chains follow
+/// each other, and the parameter counts the points passed. A line without segments runs through all points in
+/// order.
 /// </summary>
 public class Line : Curve
 {
@@ -50,7 +51,9 @@ public class Line : Curve
         return line;
     }
 
-    /// <summary>Replaces the segments by one that runs through all points in order; none when there are no points.</summary>
+    /// <summary>
+    /// Replaces the segments by one that runs through all points in order; none when there are no points.
+    /// </summary>
     public void MakeDefaultIndices()
     {
         _segments.Clear();

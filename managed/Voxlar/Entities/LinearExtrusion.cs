@@ -6,8 +6,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A body made by moving a profile, which lies in the plane of x and y, along a direction; it may turn about that direction
-/// on its way.
+/// A body made by moving a profile, which lies in the plane of x and y, along a direction; it may turn about
+/// that direction on its way.
 /// </summary>
 public class LinearExtrusion : Entity, IMeshConvertible
 {
@@ -32,7 +32,9 @@ public class LinearExtrusion : Entity, IMeshConvertible
     /// <summary>The profile.</summary>
     public Profile? Shape { get; set; }
 
-    /// <summary>The direction; z at first. Its length does not count, and it does not lie in the profile's plane.</summary>
+    /// <summary>
+    /// The direction; z at first. Its length does not count, and it does not lie in the profile's plane.
+    /// </summary>
     public Vector3 Direction { get; set; } = Vector3.ZAxis;
 
     /// <summary>How far the profile is moved.</summary>
@@ -45,7 +47,9 @@ public class LinearExtrusion : Entity, IMeshConvertible
         set => _slices = Segments.Checked(value);
     }
 
-    /// <summary>Whether the body is moved back by half its height, so that the profile lies in the middle.</summary>
+    /// <summary>
+    /// Whether the body is moved back by half its height, so that the profile lies in the middle.
+    /// </summary>
     public bool Center { get; set; }
 
     /// <summary>The point of the profile's plane about which it turns; the origin at first.</summary>
@@ -58,17 +62,21 @@ public class LinearExtrusion : Entity, IMeshConvertible
     public override EntityRendererKey GetEntityRendererKey() => SolidEntity.RendererKey;
 
     /// <summary>The box around the mesh of the body; empty without a shape.</summary>
-    public override BoundingBox GetBoundingBox() => Shape is null ? BoundingBox.Null : ToMesh().GetBoundingBox();
+    public override BoundingBox GetBoundingBox() =>
+        Shape is null ? BoundingBox.Null : ToMesh().GetBoundingBox();
 
     /// <summary>Makes a closed mesh.</summary>
-    /// <exception cref="InvalidOperationException">There is no shape, or the direction lies in its plane.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// There is no shape, or the direction lies in its plane.
+    /// </exception>
     /// <exception cref="NotSupportedException">The outline of the shape cannot be found.</exception>
     public Mesh ToMesh()
     {
         ProfileOutline outline = SolidEntity.Outline(Shape);
         Vector3 direction = Direction.Normalize();
         if (!(Math.Abs(direction.z) > 1e-9))
-            throw new InvalidOperationException("The direction of an extrusion does not lie in the plane of its shape.");
+            throw new InvalidOperationException(
+                "The direction of an extrusion does not lie in the plane of its shape.");
         Vector2[] flat = SweptSolid.Flatten(outline);
         Vector3[][] sections = new Vector3[Slices + 1][];
         for (int k = 0; k <= Slices; ++k)
@@ -80,7 +88,8 @@ public class LinearExtrusion : Entity, IMeshConvertible
             {
                 double x = point.x - TwistOffset.x;
                 double y = point.y - TwistOffset.y;
-                return moved + new Vector3(x * cos - y * sin + TwistOffset.x, x * sin + y * cos + TwistOffset.y, 0);
+                Vector3 turned = new(x * cos - y * sin, x * sin + y * cos, 0);
+                return moved + turned + new Vector3(TwistOffset.x, TwistOffset.y, 0);
             });
         }
         return SweptSolid.Build(Name, outline, sections, closed: false);

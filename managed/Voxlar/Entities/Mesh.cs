@@ -8,8 +8,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A surface of polygons over control points. Seen from outside, the corners of a polygon run counter-clockwise. Enumerating
-/// a mesh gives its polygons as arrays of control point indices.
+/// A surface of polygons over control points. Seen from outside, the corners of a polygon run
+/// counter-clockwise. Enumerating a mesh gives its polygons as arrays of control point indices.
 /// </summary>
 public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
 {
@@ -25,14 +25,18 @@ public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
     {
     }
 
-    /// <summary>Makes a triangle mesh of a height map, see <see cref="Mesh(TextureData, bool, Matrix4)"/>.</summary>
+    /// <summary>
+    /// Makes a triangle mesh of a height map, see <see cref="Mesh(TextureData, bool, Matrix4)"/>.
+    /// </summary>
     /// <param name="heightMap">The image whose brightness is the height.</param>
     public Mesh(TextureData heightMap)
         : this(heightMap, true, Matrix4.Identity)
     {
     }
 
-    /// <summary>Makes a triangle mesh of a height map, see <see cref="Mesh(TextureData, bool, Matrix4)"/>.</summary>
+    /// <summary>
+    /// Makes a triangle mesh of a height map, see <see cref="Mesh(TextureData, bool, Matrix4)"/>.
+    /// </summary>
     /// <param name="heightMap">The image whose brightness is the height.</param>
     /// <param name="transform">Applied to every point.</param>
     public Mesh(TextureData heightMap, Matrix4 transform)
@@ -41,9 +45,9 @@ public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
     }
 
     /// <summary>
-    /// Makes a mesh of a height map, one control point for each pixel. Before the transform the points lie over the square
-    /// from -0.5 to 0.5 in x and z, the top row of the image at z = -0.5, and the heights in y are from 0 for black to 1 for
-    /// white.
+    /// Makes a mesh of a height map, one control point for each pixel. Before the transform the points lie
+    /// over the square from -0.5 to 0.5 in x and z, the top row of the image at z = -0.5, and the heights in
+    /// y are from 0 for black to 1 for white.
     /// </summary>
     /// <param name="heightMap">The image whose brightness is the height, at least 2 x 2 pixels.</param>
     /// <param name="triMesh">Whether the polygons are triangles; quads otherwise.</param>
@@ -64,9 +68,9 @@ public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
     }
 
     /// <summary>
-    /// The edges of the polygons, each once: the two control points of the first edge, those of the second, and so on, in
-    /// the order in which going round the polygons first meets them. The list cannot be changed; it is made anew after the
-    /// polygons have changed.
+    /// The edges of the polygons, each once: the two control points of the first edge, those of the second,
+    /// and so on, in the order in which going round the polygons first meets them. The list cannot be
+    /// changed; it is made anew after the polygons have changed.
     /// </summary>
     public IList<int> Edges
     {
@@ -96,20 +100,25 @@ public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
     /// <param name="indices">An array that holds the indices of its control points.</param>
     /// <param name="offset">The place of the first of them.</param>
     /// <param name="length">Their number, at least 3.</param>
-    /// <exception cref="ArgumentException">The polygon has fewer than three corners or a negative index.</exception>
+    /// <exception cref="ArgumentException">
+    /// The polygon has fewer than three corners or a negative index.
+    /// </exception>
     public void CreatePolygon(int[] indices, int offset, int length)
     {
         ArgumentNullException.ThrowIfNull(indices);
         ArgumentOutOfRangeException.ThrowIfNegative(offset);
         ArgumentOutOfRangeException.ThrowIfNegative(length);
         if (length > indices.Length - offset)
-            throw new ArgumentException("The array has fewer indices than the polygon needs.", nameof(length));
+            throw new ArgumentException("The array has fewer indices than the polygon needs.",
+                nameof(length));
         _polygons.Add(indices.AsSpan(offset, length));
     }
 
     /// <summary>Adds a polygon.</summary>
     /// <param name="indices">The indices of its control points, at least 3.</param>
-    /// <exception cref="ArgumentException">The polygon has fewer than three corners or a negative index.</exception>
+    /// <exception cref="ArgumentException">
+    /// The polygon has fewer than three corners or a negative index.
+    /// </exception>
     public void CreatePolygon(int[] indices)
     {
         ArgumentNullException.ThrowIfNull(indices);

@@ -11,7 +11,9 @@ internal sealed class MeshMerger
     private readonly List<Part> _parts = new();
     private readonly HashSet<Node> _seen = new();
 
-    /// <summary>Adds what can become a mesh on a node and below it; excluded nodes and entities are left out.</summary>
+    /// <summary>
+    /// Adds what can become a mesh on a node and below it; excluded nodes and entities are left out.
+    /// </summary>
     public void Add(Node node)
     {
         if (node.Excluded || !_seen.Add(node))
@@ -70,10 +72,12 @@ internal sealed class MeshMerger
     private static TextureMapping Mapping(VertexElement element) =>
         element is VertexElementUV uv ? uv.TextureMapping : default;
 
-    // Vectors are kept once and selected for each corner; all else is given for each polygon or control point.
+    // Vectors are kept once and selected for each corner; all else is given for each polygon or control
+    // point.
     private void MergeElement(Mesh result, VertexElementType type, TextureMapping mapping)
     {
-        VertexElement target = type == VertexElementType.UV ? new VertexElementUV(mapping) : VertexElementFactory.Create(type);
+        VertexElement target =
+            type == VertexElementType.UV ? new VertexElementUV(mapping) : VertexElementFactory.Create(type);
         bool vectors = target is VertexElementVector4;
         target.MappingMode = vectors ? MappingMode.PolygonVertex
             : target is VertexElementDoublesTemplate ? MappingMode.ControlPoint : MappingMode.Polygon;
@@ -88,7 +92,8 @@ internal sealed class MeshMerger
                 AppendVectors(part, source as VertexElementVector4, vectorTarget, ref none);
                 continue;
             }
-            int count = target.MappingMode == MappingMode.Polygon ? polygons.Count : part.Mesh.ControlPointList.Count;
+            int count = target.MappingMode == MappingMode.Polygon ? polygons.Count
+                : part.Mesh.ControlPointList.Count;
             for (int i = 0; i < count; ++i)
             {
                 int value = source is null ? -1
@@ -103,7 +108,8 @@ internal sealed class MeshMerger
         result.VertexElements.Add(target);
     }
 
-    private static void AppendVectors(Part part, VertexElementVector4? source, VertexElementVector4 target, ref int none)
+    private static void AppendVectors(Part part, VertexElementVector4? source, VertexElementVector4 target,
+        ref int none)
     {
         int offset = target.DataList.Count;
         if (source is not null)
@@ -139,7 +145,8 @@ internal sealed class MeshMerger
         bool given = false;
         foreach (Part part in _parts)
         {
-            VertexElementMaterial? source = part.Mesh.GetElement(VertexElementType.Material) as VertexElementMaterial;
+            VertexElementMaterial? source =
+                part.Mesh.GetElement(VertexElementType.Material) as VertexElementMaterial;
             given |= source is not null;
             for (int i = 0; i < part.Mesh.PolygonCount; ++i)
             {
@@ -167,7 +174,8 @@ internal sealed class MeshMerger
 
         public Vector4 Transformed(Vector4 value, VertexElementType type) => type switch
         {
-            VertexElementType.Normal => new Vector4(_forNormals.TransformDirection(new Vector3(value)).Normalize(), value.w),
+            VertexElementType.Normal =>
+                new Vector4(_forNormals.TransformDirection(new Vector3(value)).Normalize(), value.w),
             VertexElementType.Tangent or VertexElementType.Binormal =>
                 new Vector4(Transform.TransformDirection(new Vector3(value)).Normalize(), value.w),
             _ => value,

@@ -8,8 +8,9 @@ namespace Velbor.Voxlar.Entities;
 internal static class MeshNormals
 {
     /// <summary>
-    /// Makes smooth normals: at each control point the mean of the polygons' normals, weighted by their angles there. With
-    /// smoothing groups, only polygons with a common group are smoothed, and normals belong to corners.
+    /// Makes smooth normals: at each control point the mean of the polygons' normals, weighted by their
+    /// angles there. With smoothing groups, only polygons with a common group are smoothed, and normals
+    /// belong to corners.
     /// </summary>
     public static VertexElementNormal Generate(Mesh mesh)
     {

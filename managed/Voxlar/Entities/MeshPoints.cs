@@ -11,5 +11,5 @@ internal static class MeshPoints
     public static Vector3 At(Mesh mesh, int index) => index < mesh.ControlPointList.Count
         ? new Vector3(mesh.ControlPointList[index])
         : throw new InvalidOperationException(
-            $"A polygon has a corner at {index}, but there are {mesh.ControlPointList.Count} control points.");
+            $"A polygon uses control point {index}, but there are {mesh.ControlPointList.Count}.");
 }

@@ -12,11 +12,13 @@ internal static class MeshSplitter
     public readonly record struct Part(Mesh Mesh, int Material);
 
     /// <summary>
-    /// Makes one mesh for each material, in the order of the materials' numbers. A mesh without materials gives one part.
+    /// Makes one mesh for each material, in the order of the materials' numbers. A mesh without materials
+    /// gives one part.
     /// </summary>
     public static List<Part> Split(Mesh mesh, SplitMeshPolicy policy)
     {
-        VertexElementMaterial? materials = mesh.GetElement(VertexElementType.Material) as VertexElementMaterial;
+        VertexElementMaterial? materials =
+            mesh.GetElement(VertexElementType.Material) as VertexElementMaterial;
         SortedDictionary<int, List<int>> polygons = new();
         for (int i = 0; i < mesh.PolygonCount; ++i)
         {
@@ -34,7 +36,9 @@ internal static class MeshSplitter
     /// <summary>Splits the meshes on a node; parts take their own material along.</summary>
     /// <param name="node">The node.</param>
     /// <param name="policy">What the parts hold.</param>
-    /// <param name="createChildNodes">Whether each part gets a child node; the parts go on the node itself otherwise.</param>
+    /// <param name="createChildNodes">
+    /// Whether each part gets a child node; the parts go on the node itself otherwise.
+    /// </param>
     /// <param name="removeOldMesh">Whether the mesh that was split is taken off the node.</param>
     public static void Split(Node node, SplitMeshPolicy policy, bool createChildNodes, bool removeOldMesh)
     {
@@ -47,7 +51,8 @@ internal static class MeshSplitter
                 continue;
             foreach (Part part in parts)
             {
-                Material? material = part.Material < node.Materials.Count ? node.Materials[part.Material] : null;
+                Material? material = part.Material < node.Materials.Count ? node.Materials[part.Material]
+                    : null;
                 if (createChildNodes)
                 {
                     Node child = node.CreateChildNode(part.Mesh.Name, part.Mesh);
@@ -107,7 +112,8 @@ internal static class MeshSplitter
         if (compact)
         {
             foreach (int point in points)
-                part.ControlPointList.Add(new Vector4(MeshPoints.At(mesh, point), mesh.ControlPointList[point].w));
+                part.ControlPointList.Add(
+                    new Vector4(MeshPoints.At(mesh, point), mesh.ControlPointList[point].w));
         }
         else
         {
@@ -117,7 +123,8 @@ internal static class MeshSplitter
         ElementRemapper remapper = new(compact ? points : null, corners, polygons, null);
         foreach (VertexElement element in mesh.VertexElements)
         {
-            if (element is not VertexElementMaterial && remapper.Remap(element, compact) is VertexElement remapped)
+            if (element is not VertexElementMaterial
+                && remapper.Remap(element, compact) is VertexElement remapped)
                 part.VertexElements.Add(remapped);
         }
         return part;

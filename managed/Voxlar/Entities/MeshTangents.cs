@@ -8,15 +8,16 @@ namespace Velbor.Voxlar.Entities;
 internal static class MeshTangents
 {
     /// <summary>
-    /// Adds tangents and binormals, in place of those the mesh has. Corners that share control point, normal and texture
-    /// coordinates share them.
+    /// Adds tangents and binormals, in place of those the mesh has. Corners that share control point, normal
+    /// and texture coordinates share them.
     /// </summary>
     /// <exception cref="InvalidOperationException">The mesh has no texture coordinates.</exception>
     public static void Build(Mesh mesh)
     {
         VertexElementUV coordinates = mesh.GetVertexElementOfUV(TextureMapping.Diffuse)
             ?? mesh.GetElement(VertexElementType.UV) as VertexElementUV
-            ?? throw new InvalidOperationException("Tangents need texture coordinates, which the mesh does not have.");
+            ?? throw new InvalidOperationException(
+                "Tangents need texture coordinates, which the mesh does not have.");
         VertexElementNormal normals = mesh.GetElement(VertexElementType.Normal) as VertexElementNormal
             ?? MeshNormals.Generate(mesh);
 
@@ -37,7 +38,8 @@ internal static class MeshTangents
                 {
                     groupOf[corner] = sums.Count;
                     groups.Add(key, sums.Count);
-                    Vector3 value = normal < 0 ? Vector3.ZAxis : new Vector3(normals.DataList[normal]).Normalize();
+                    Vector3 value = normal < 0 ? Vector3.ZAxis
+                        : new Vector3(normals.DataList[normal]).Normalize();
                     sums.Add((Vector3.Origin, Vector3.Origin, value));
                 }
             }
@@ -64,7 +66,7 @@ internal static class MeshTangents
         }
         for (int i = mesh.VertexElements.Count - 1; i >= 0; --i)
         {
-            if (mesh.VertexElements[i].VertexElementType is VertexElementType.Tangent or VertexElementType.Binormal)
+            if (mesh.VertexElements[i] is VertexElementTangent or VertexElementBinormal)
                 mesh.VertexElements.RemoveAt(i);
         }
         mesh.VertexElements.Add(tangents);

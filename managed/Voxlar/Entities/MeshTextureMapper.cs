@@ -7,7 +7,8 @@ namespace Velbor.Voxlar.Entities;
 internal static class MeshTextureMapper
 {
     /// <summary>
-    /// Projects each corner onto the side of the bounding box that its normal points to; the box is scaled to the unit cube.
+    /// Projects each corner onto the side of the bounding box that its normal points to; the box is scaled to
+    /// the unit cube.
     /// </summary>
     public static VertexElementUV Generate(Mesh mesh, VertexElementNormal normals)
     {
@@ -31,7 +32,8 @@ internal static class MeshTextureMapper
         return result;
     }
 
-    // Each side is laid out as it is seen from outside with its upper edge upward, top and bottom as seen with z downward.
+    // Each side is laid out as it is seen from outside with its upper edge upward, top and bottom as seen
+    // with z downward.
     private static Vector2 Project(Vector3 p, Vector3 normal)
     {
         double x = Math.Abs(normal.x);

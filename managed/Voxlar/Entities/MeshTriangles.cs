@@ -10,7 +10,9 @@ namespace Velbor.Voxlar.Entities;
 internal sealed record MeshTriangles(List<int> Corners, List<int> Polygons)
 {
     /// <summary>Cuts the polygons of a mesh.</summary>
-    /// <exception cref="InvalidOperationException">A polygon has a control point that does not exist.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// A polygon has a control point that does not exist.
+    /// </exception>
     public static MeshTriangles Cut(Mesh mesh)
     {
         PolygonStore polygons = mesh.PolygonStore;

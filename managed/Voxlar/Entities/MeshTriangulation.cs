@@ -23,7 +23,8 @@ internal static class MeshTriangulation
         for (int i = 0; i < triangles.Corners.Count; i += 3)
         {
             result.PolygonStore.Add([
-                corners[triangles.Corners[i]], corners[triangles.Corners[i + 1]], corners[triangles.Corners[i + 2]]]);
+                corners[triangles.Corners[i]], corners[triangles.Corners[i + 1]],
+                corners[triangles.Corners[i + 2]]]);
         }
         bool byEdge = false;
         foreach (VertexElement element in mesh.VertexElements)

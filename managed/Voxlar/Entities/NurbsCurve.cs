@@ -5,7 +5,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A B-spline curve over control points, rational or not. Its control points and knots come with the file it is read from.
+/// A B-spline curve over control points, rational or not. Its control points and knots come with the file it
+/// is read from.
 /// </summary>
 public class NurbsCurve : Curve
 {
@@ -49,7 +50,9 @@ public class NurbsCurve : Curve
     /// <summary>Gives points at evenly spaced parameters from the begin to the end.</summary>
     /// <param name="steps">The number of steps; there is one more point.</param>
     /// <returns>The points with w = 1.</returns>
-    /// <exception cref="InvalidOperationException">There are too few control points, or the knots do not fit.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// There are too few control points, or the knots do not fit.
+    /// </exception>
     public Vector4[] Evaluate(int steps)
     {
         ArgumentOutOfRangeException.ThrowIfLessThan(steps, 1);
@@ -63,7 +66,9 @@ public class NurbsCurve : Curve
     /// <summary>Gives the point at a parameter; beyond the ends, that at the end.</summary>
     /// <param name="u">The parameter, in terms of the knots.</param>
     /// <returns>The point with w = 1.</returns>
-    /// <exception cref="InvalidOperationException">There are too few control points, or the knots do not fit.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// There are too few control points, or the knots do not fit.
+    /// </exception>
     public Vector4 EvaluateAt(double u) => Prepare().At(u);
 
     internal override Vector3 PointAt(double parameter) => new(EvaluateAt(parameter));
@@ -96,7 +101,8 @@ public class NurbsCurve : Curve
     {
         List<Vector4> points = ControlPoints.ConvertAll(point =>
         {
-            Vector4 used = Dimension == CurveDimension.TwoDimensional ? new Vector4(point.x, point.y, 0, point.w) : point;
+            Vector4 used = Dimension == CurveDimension.TwoDimensional
+                ? new Vector4(point.x, point.y, 0, point.w) : point;
             return BSpline.Weighted(used, Rational);
         });
         if (CurveType != NurbsType.Open && points.Count >= Order)

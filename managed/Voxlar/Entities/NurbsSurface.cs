@@ -5,7 +5,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A rational B-spline surface over a grid of control points, u running fastest. The w of a control point is its weight.
+/// A rational B-spline surface over a grid of control points, u running fastest. The w of a control point is
+/// its weight.
 /// </summary>
 public class NurbsSurface : Geometry, IMeshConvertible
 {
@@ -29,8 +30,8 @@ public class NurbsSurface : Geometry, IMeshConvertible
     public NurbsDirection V { get; } = new();
 
     /// <summary>
-    /// Makes a mesh of quads, each knot span divided as its direction tells. Its outside is where the direction of growing u
-    /// crossed with that of growing v points.
+    /// Makes a mesh of quads, each knot span divided as its direction tells. Its outside is where the
+    /// direction of growing u crossed with that of growing v points.
     /// </summary>
     /// <exception cref="InvalidOperationException">
     /// The counts of the directions do not fit the control points, the orders or the knots.
@@ -40,7 +41,7 @@ public class NurbsSurface : Geometry, IMeshConvertible
         if (U.Count < 1 || V.Count < 1 || (long)U.Count * V.Count != ControlPoints.Count)
         {
             throw new InvalidOperationException(
-                $"A surface of {U.Count} x {V.Count} control points does not fit the {ControlPoints.Count} there are.");
+                $"A surface of {U.Count} x {V.Count} points does not have {ControlPoints.Count} of them.");
         }
         Axis u = new(U);
         Axis v = new(V);
@@ -67,13 +68,15 @@ public class NurbsSurface : Geometry, IMeshConvertible
             for (int i = 0; i < basisU.Length; ++i)
             {
                 int column = (spanU - basisU.Length + 1 + i) % U.Count;
-                sum += BSpline.Weighted(ControlPoints[row * U.Count + column], rational: true) * (basisU[i] * basisV[j]);
+                Vector4 point = BSpline.Weighted(ControlPoints[row * U.Count + column], rational: true);
+                sum += point * (basisU[i] * basisV[j]);
             }
         }
         return new Vector3(sum.x / sum.w, sum.y / sum.w, sum.z / sum.w);
     }
 
-    // Differences over a small step. Where the surface has no extent in one direction, as at a pole, the step goes inwards.
+    // Differences over a small step. Where the surface has no extent in one direction, as at a pole, the step
+    // goes inwards.
     private Vector3 Normal(Axis u, Axis v, double su, double sv)
     {
         double du = (u.End - u.Begin) * 1e-5;
@@ -123,7 +126,8 @@ public class NurbsSurface : Geometry, IMeshConvertible
         public double End => _knots[_count];
 
         // A closed direction ends exactly where it begins, so that the mesh closes.
-        public double Place(int sample) => _closed && sample == Samples.Count - 1 ? Samples[0] : Samples[sample];
+        public double Place(int sample) =>
+            _closed && sample == Samples.Count - 1 ? Samples[0] : Samples[sample];
 
         public (int Span, double[] Values) Basis(double parameter)
         {

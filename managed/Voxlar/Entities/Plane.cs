@@ -4,8 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A flat rectangle seen from the side <see cref="Up"/> points to. While that is y, the length is along x and the width
-/// along z.
+/// A flat rectangle seen from the side <see cref="Up"/> points to. While that is y, the length is along x and
+/// the width along z.
 /// </summary>
 public class Plane : Primitive
 {

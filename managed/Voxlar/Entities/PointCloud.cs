@@ -22,7 +22,9 @@ public class PointCloud : Geometry
     {
     }
 
-    /// <summary>Makes a cloud of the control points of a geometry, with the elements that belong to these.</summary>
+    /// <summary>
+    /// Makes a cloud of the control points of a geometry, with the elements that belong to these.
+    /// </summary>
     /// <param name="g">The geometry.</param>
     public static PointCloud FromGeometry(Geometry g)
     {
@@ -38,8 +40,8 @@ public class PointCloud : Geometry
     }
 
     /// <summary>
-    /// Makes a cloud of points spread evenly over the surface of a mesh; the same mesh gives the same points. A geometry
-    /// without a surface gives its control points.
+    /// Makes a cloud of points spread evenly over the surface of a mesh; the same mesh gives the same points.
+    /// A geometry without a surface gives its control points.
     /// </summary>
     /// <param name="g">The geometry.</param>
     /// <param name="density">The number of points for each unit of area, at least 1.</param>

@@ -16,7 +16,8 @@ public class PolygonModifier
     public static void Triangulate(Scene scene) => ForEachMesh(scene, MeshTriangulation.Apply);
 
     /// <summary>
-    /// Makes a mesh whose polygons are cut into triangles. Vertex elements are carried over; the given mesh stays as it is.
+    /// Makes a mesh whose polygons are cut into triangles. Vertex elements are carried over; the given mesh
+    /// stays as it is.
     /// </summary>
     /// <param name="mesh">The mesh.</param>
     /// <returns>The new mesh.</returns>
@@ -88,7 +89,9 @@ public class PolygonModifier
         return MergeMesh(scene.RootNode);
     }
 
-    /// <summary>Makes one mesh, in world space, of all that can become a mesh on nodes and below them.</summary>
+    /// <summary>
+    /// Makes one mesh, in world space, of all that can become a mesh on nodes and below them.
+    /// </summary>
     /// <param name="nodes">The nodes, which stay as they are. A node that is there twice counts once.</param>
     public static Mesh MergeMesh(IList<Node> nodes)
     {
@@ -99,7 +102,9 @@ public class PolygonModifier
         return merger.Merge();
     }
 
-    /// <summary>Makes one mesh, in world space, of all that can become a mesh on a node and below it.</summary>
+    /// <summary>
+    /// Makes one mesh, in world space, of all that can become a mesh on a node and below it.
+    /// </summary>
     /// <param name="node">The node, which stays as it is.</param>
     public static Mesh MergeMesh(Node node)
     {
@@ -108,8 +113,9 @@ public class PolygonModifier
     }
 
     /// <summary>
-    /// Scales a scene in place by scaling control points and the places of nodes; the scales of nodes stay. It is exact when
-    /// the scale is the same in all directions or no node is rotated. Bodies without control points become meshes.
+    /// Scales a scene in place by scaling control points and the places of nodes; the scales of nodes stay.
+    /// It is exact when the scale is the same in all directions or no node is rotated. Bodies without control
+    /// points become meshes.
     /// </summary>
     /// <param name="scene">The scene.</param>
     /// <param name="scale">The factors in x, y and z, none of them 0.</param>
@@ -122,7 +128,9 @@ public class PolygonModifier
         return scene;
     }
 
-    /// <summary>Scales what is on a node and below it in place, see <see cref="Scale(Scene, Vector3)"/>.</summary>
+    /// <summary>
+    /// Scales what is on a node and below it in place, see <see cref="Scale(Scene, Vector3)"/>.
+    /// </summary>
     /// <param name="node">The node; its own place stays.</param>
     /// <param name="scale">The factors in x, y and z, none of them 0.</param>
     public static void Scale(Node node, Vector3 scale)
@@ -133,7 +141,8 @@ public class PolygonModifier
     }
 
     /// <summary>
-    /// Makes texture coordinates by projecting each corner onto the side of the bounding box that its normal points to.
+    /// Makes texture coordinates by projecting each corner onto the side of the bounding box that its normal
+    /// points to.
     /// </summary>
     /// <param name="mesh">The mesh, which stays as it is.</param>
     /// <param name="normals">The normals.</param>
@@ -145,13 +154,16 @@ public class PolygonModifier
         return MeshTextureMapper.Generate(mesh, normals);
     }
 
-    /// <summary>Makes texture coordinates with the normals of the mesh, or with generated ones if it has none.</summary>
+    /// <summary>
+    /// Makes texture coordinates with the normals of the mesh, or with generated ones if it has none.
+    /// </summary>
     /// <param name="mesh">The mesh, which stays as it is.</param>
     /// <returns>The coordinates, which are not yet in the mesh.</returns>
     public static VertexElementUV GenerateUV(Mesh mesh)
     {
         ArgumentNullException.ThrowIfNull(mesh);
-        return GenerateUV(mesh, mesh.GetElement(VertexElementType.Normal) as VertexElementNormal ?? GenerateNormal(mesh));
+        return GenerateUV(mesh, mesh.GetElement(VertexElementType.Normal) as VertexElementNormal
+            ?? GenerateNormal(mesh));
     }
 
     /// <summary>Splits the meshes on a node by material. A mesh of one material is left alone.</summary>
@@ -199,7 +211,8 @@ public class PolygonModifier
     });
 
     /// <summary>
-    /// Adds tangents and binormals to a mesh, in place of those it has. Without normals, smooth ones are taken for them.
+    /// Adds tangents and binormals to a mesh, in place of those it has. Without normals, smooth ones are
+    /// taken for them.
     /// </summary>
     /// <param name="mesh">The mesh.</param>
     /// <exception cref="InvalidOperationException">The mesh has no texture coordinates.</exception>

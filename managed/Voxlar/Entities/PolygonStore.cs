@@ -5,8 +5,8 @@ using System.Collections.Generic;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// The polygons of a mesh, kept as one array of corners and one of places, so that a triangle costs 16 bytes and no object.
-/// As a list it gives and takes polygons as arrays, which are copies.
+/// The polygons of a mesh, kept as one array of corners and one of places, so that a triangle costs 16 bytes
+/// and no object. As a list it gives and takes polygons as arrays, which are copies.
 /// </summary>
 internal sealed class PolygonStore : IList<int[]>
 {
@@ -21,10 +21,14 @@ internal sealed class PolygonStore : IList<int[]>
     /// <summary>The number of corners of all polygons.</summary>
     public int CornerCount => Count == 0 ? 0 : _ends[Count - 1];
 
-    /// <summary>Raised with every change, so that what was derived from the polygons can be found out of date.</summary>
+    /// <summary>
+    /// Raised with every change, so that what was derived from the polygons can be found out of date.
+    /// </summary>
     public int Version { get; private set; }
 
-    /// <summary>The corners of all polygons, one polygon after the other; valid until the next change.</summary>
+    /// <summary>
+    /// The corners of all polygons, one polygon after the other; valid until the next change.
+    /// </summary>
     public ReadOnlySpan<int> Corners => _corners.AsSpan(0, CornerCount);
 
     public bool IsReadOnly => false;

@@ -4,7 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A body given by a few values. It is centred about the origin unless told otherwise, and its upward direction is y.
+/// A body given by a few values. It is centred about the origin unless told otherwise, and its upward
+/// direction is y.
 /// </summary>
 public abstract class Primitive : Entity, IMeshConvertible
 {
@@ -22,8 +23,8 @@ public abstract class Primitive : Entity, IMeshConvertible
     public bool ReceiveShadows { get; set; } = true;
 
     /// <summary>
-    /// Makes a mesh of the body, with normals and texture coordinates for each corner of each polygon. Polygons run
-    /// counter-clockwise as seen from outside, and neighbouring ones share their control points.
+    /// Makes a mesh of the body, with normals and texture coordinates for each corner of each polygon.
+    /// Polygons run counter-clockwise as seen from outside, and neighbouring ones share their control points.
     /// </summary>
     public abstract Mesh ToMesh();
 

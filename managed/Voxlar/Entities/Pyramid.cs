@@ -3,8 +3,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A pyramid, or the frustum of one, with rectangles as bottom and top. Both are centred over the y axis at half the height
-/// below and above the origin; the x of an area is its size in x, the y its size in z.
+/// A pyramid, or the frustum of one, with rectangles as bottom and top. Both are centred over the y axis at
+/// half the height below and above the origin; the x of an area is its size in x, the y its size in z.
 /// </summary>
 public class Pyramid : Primitive
 {
@@ -91,10 +91,12 @@ public class Pyramid : Primitive
 
     private static void Face(SurfaceBuilder surface, Vector3 a, Vector3 b, Vector3 c, Vector3 d)
     {
-        // The cross product of the diagonals is the normal of a flat quad, and of a triangle with a doubled corner.
+        // The cross product of the diagonals is the normal of a flat quad, and of a triangle with a doubled
+        // corner.
         Vector3 normal = (c - a).Cross(d - b).Normalize();
         surface.Polygon(
-            new(a, normal, new Vector2(0, 0)), new(b, normal, new Vector2(1, 0)), new(c, normal, new Vector2(1, 1)),
+            new(a, normal, new Vector2(0, 0)), new(b, normal, new Vector2(1, 0)),
+            new(c, normal, new Vector2(1, 1)),
             new(d, normal, new Vector2(0, 1)));
     }
 }

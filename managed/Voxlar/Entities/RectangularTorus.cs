@@ -4,7 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A ring with a rectangular cross section about the y axis, or a part of one, which is closed by a rectangle at either end.
+/// A ring with a rectangular cross section about the y axis, or a part of one, which is closed by a rectangle
+/// at either end.
 /// </summary>
 public class RectangularTorus : Primitive
 {
@@ -38,7 +39,9 @@ public class RectangularTorus : Primitive
     /// <summary>Where it begins round the axis, in radians from x.</summary>
     public double AngleStart { get; set; }
 
-    /// <summary>The number of segments round the axis, at least 1; a full ring has at least 3. 32 at first.</summary>
+    /// <summary>
+    /// The number of segments round the axis, at least 1; a full ring has at least 3. 32 at first.
+    /// </summary>
     public int RadialSegments
     {
         get => _radialSegments;
@@ -51,7 +54,8 @@ public class RectangularTorus : Primitive
         AngleRange ring = new(AngleStart, Arc, RadialSegments);
         double half = Height / 2;
         // The corners of the section, counter-clockwise as seen along the ring from its begin backwards.
-        (double Radius, double Y)[] section = [(OuterRadius, -half), (OuterRadius, half), (InnerRadius, half), (InnerRadius, -half)];
+        (double Radius, double Y)[] section =
+            [(OuterRadius, -half), (OuterRadius, half), (InnerRadius, half), (InnerRadius, -half)];
         SurfaceBuilder surface = new();
         for (int side = 0; side < 4; ++side)
         {
@@ -68,7 +72,8 @@ public class RectangularTorus : Primitive
                     2 => -outward,
                     _ => -Vector3.YAxis,
                 };
-                return new SurfaceBuilder.Corner(Point(outward, radius, y), normal, new Vector2((double)i / ring.Steps, j));
+                return new SurfaceBuilder.Corner(Point(outward, radius, y), normal,
+                    new Vector2((double)i / ring.Steps, j));
             });
         }
         if (!ring.Closed)
@@ -81,7 +86,8 @@ public class RectangularTorus : Primitive
                 (double radius, double y) = section[k];
                 begin[k] = new(Point(ring.Outward(0), radius, y), -ring.Along(0), uv[k]);
                 end[3 - k] = new(
-                    Point(ring.Outward(ring.Steps), radius, y), ring.Along(ring.Steps), new Vector2(1 - uv[k].x, uv[k].y));
+                    Point(ring.Outward(ring.Steps), radius, y), ring.Along(ring.Steps),
+                    new Vector2(1 - uv[k].x, uv[k].y));
             }
             surface.Polygon(begin);
             surface.Polygon(end);
@@ -89,5 +95,6 @@ public class RectangularTorus : Primitive
         return surface.ToMesh(Name);
     }
 
-    private static Vector3 Point(Vector3 outward, double radius, double y) => outward * radius + Vector3.YAxis * y;
+    private static Vector3 Point(Vector3 outward, double radius, double y) =>
+        outward * radius + Vector3.YAxis * y;
 }

@@ -6,7 +6,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A body made by turning a profile, which lies in the plane of x and y on one side of the axis, about an axis in that plane.
+/// A body made by turning a profile, which lies in the plane of x and y on one side of the axis, about an
+/// axis in that plane.
 /// </summary>
 public class RevolvedAreaSolid : Entity, IMeshConvertible
 {
@@ -37,10 +38,13 @@ public class RevolvedAreaSolid : Entity, IMeshConvertible
     public override EntityRendererKey GetEntityRendererKey() => SolidEntity.RendererKey;
 
     /// <summary>The box around the mesh of the body; empty without a shape.</summary>
-    public override BoundingBox GetBoundingBox() => Shape is null ? BoundingBox.Null : ToMesh().GetBoundingBox();
+    public override BoundingBox GetBoundingBox() =>
+        Shape is null ? BoundingBox.Null : ToMesh().GetBoundingBox();
 
     /// <summary>Makes a closed mesh with 32 segments for a full turn.</summary>
-    /// <exception cref="InvalidOperationException">There is no shape, or the axis or the turn has no extent.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// There is no shape, or the axis or the turn has no extent.
+    /// </exception>
     /// <exception cref="NotSupportedException">The outline of the shape cannot be found.</exception>
     public Mesh ToMesh()
     {
@@ -53,13 +57,15 @@ public class RevolvedAreaSolid : Entity, IMeshConvertible
             throw new InvalidOperationException("A revolved body has angles that differ.");
         bool closed = Math.Abs(length) >= 2 * Math.PI - 1e-9;
         length = closed ? 2 * Math.PI : length;
-        int steps = Math.Max((int)Math.Ceiling(Math.Abs(length) / (2 * Math.PI) * SegmentsPerTurn - 1e-9), closed ? 3 : 1);
+        int steps = Math.Max((int)Math.Ceiling(Math.Abs(length) / (2 * Math.PI) * SegmentsPerTurn - 1e-9),
+            closed ? 3 : 1);
         Vector2[] flat = SweptSolid.Flatten(outline);
         Vector3[][] sections = new Vector3[steps + 1][];
         for (int k = 0; k <= steps; ++k)
         {
             double angle = AngleStart + length * k / steps;
-            sections[k] = closed && k == steps ? sections[0] : Array.ConvertAll(flat, point => Turned(point, axis, angle));
+            sections[k] = closed && k == steps ? sections[0]
+                : Array.ConvertAll(flat, point => Turned(point, axis, angle));
         }
         return SweptSolid.Build(Name, outline, sections, closed);
     }

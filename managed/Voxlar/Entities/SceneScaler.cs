@@ -28,12 +28,13 @@ internal sealed class SceneScaler(Vector3 scale)
             Apply(child, moveNode: true);
     }
 
-    // An entity that several nodes share is scaled once. A body that is not made of control points becomes a mesh.
+    // An entity that several nodes share is scaled once. A body that is not made of control points becomes a
+    // mesh.
     private Entity Scaled(Entity entity)
     {
         if (_done.TryGetValue(entity, out Entity? done))
             return done;
-        Entity result = entity is Geometry ? entity : entity is IMeshConvertible body ? body.ToMesh() : entity;
+        Entity result = entity is IMeshConvertible body and not Geometry ? body.ToMesh() : entity;
         if (result is Geometry geometry)
             Scale(geometry);
         _done.Add(entity, result);
@@ -51,12 +52,14 @@ internal sealed class SceneScaler(Vector3 scale)
             if (element is not VertexElementVector4 vectors)
                 continue;
             bool normal = element.VertexElementType == VertexElementType.Normal;
-            if (!normal && element.VertexElementType is not (VertexElementType.Tangent or VertexElementType.Binormal))
+            bool along = element is VertexElementTangent or VertexElementBinormal;
+            if (!normal && !along)
                 continue;
             for (int i = 0; i < vectors.DataList.Count; ++i)
             {
                 Vector4 value = vectors.DataList[i];
-                Vector3 direction = normal ? new Vector3(value.x / scale.x, value.y / scale.y, value.z / scale.z)
+                Vector3 direction = normal
+                    ? new Vector3(value.x / scale.x, value.y / scale.y, value.z / scale.z)
                                            : new Vector3(value) * scale;
                 vectors.DataList[i] = new Vector4(direction.Normalize(), value.w);
             }

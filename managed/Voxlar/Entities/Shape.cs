@@ -5,8 +5,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A target shape of a morph: control points, and the index of the control point of the geometry that each of them is for.
-/// Without indices the points are for the control points of the geometry in order.
+/// A target shape of a morph: control points, and the index of the control point of the geometry that each of
+/// them is for. Without indices the points are for the control points of the geometry in order.
 /// </summary>
 public class Shape : Geometry
 {

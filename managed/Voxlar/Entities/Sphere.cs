@@ -4,8 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A sphere or a part of its surface. Phi runs round the y axis from x, counter-clockwise as seen from above; theta runs down
-/// from the top. All angles are in radians. A part is not closed by further faces.
+/// A sphere or a part of its surface. Phi runs round the y axis from x, counter-clockwise as seen from above;
+/// theta runs down from the top. All angles are in radians. A part is not closed by further faces.
 /// </summary>
 public class Sphere : Primitive
 {
@@ -28,7 +28,9 @@ public class Sphere : Primitive
     /// <summary>Makes a sphere.</summary>
     /// <param name="radius">Its radius.</param>
     /// <param name="widthSegments">The number of segments round the axis; a full ring has at least 3.</param>
-    /// <param name="heightSegments">The number of segments from top to bottom; a full sphere has at least 2.</param>
+    /// <param name="heightSegments">
+    /// The number of segments from top to bottom; a full sphere has at least 2.
+    /// </param>
     public Sphere(double radius, int widthSegments, int heightSegments)
         : this("", radius, widthSegments, heightSegments, 0, 2 * Math.PI, 0, Math.PI)
     {
@@ -38,7 +40,9 @@ public class Sphere : Primitive
     /// <param name="name">Its name.</param>
     /// <param name="radius">Its radius.</param>
     /// <param name="widthSegments">The number of segments round the axis; a full ring has at least 3.</param>
-    /// <param name="heightSegments">The number of segments from top to bottom; a full sphere has at least 2.</param>
+    /// <param name="heightSegments">
+    /// The number of segments from top to bottom; a full sphere has at least 2.
+    /// </param>
     /// <param name="phiStart">Where it begins round the axis, in radians.</param>
     /// <param name="phiLength">How far it goes round the axis, in radians.</param>
     /// <param name="thetaStart">Where it begins below the top, in radians.</param>
@@ -64,7 +68,9 @@ public class Sphere : Primitive
         set => _widthSegments = Segments.Checked(value);
     }
 
-    /// <summary>The number of segments from top to bottom, at least 1; a full sphere has at least 2.</summary>
+    /// <summary>
+    /// The number of segments from top to bottom, at least 1; a full sphere has at least 2.
+    /// </summary>
     public int HeightSegments
     {
         get => _heightSegments;

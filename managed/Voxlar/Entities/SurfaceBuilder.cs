@@ -5,9 +5,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Builds the mesh of a body from corners with a position, a normal and texture coordinates. Equal positions become one
-/// control point, so that faces which meet exactly are joined; corners that fall together vanish, so that quads at a pole
-/// become triangles.
+/// Builds the mesh of a body from corners with a position, a normal and texture coordinates. Equal positions
+/// become one control point, so that faces which meet exactly are joined; corners that fall together vanish,
+/// so that quads at a pole become triangles.
 /// </summary>
 internal sealed class SurfaceBuilder
 {
@@ -29,7 +29,8 @@ internal sealed class SurfaceBuilder
             int point = _points.Index(corner.Position);
             if (_corners.Count > first && _corners[^1].Point == point)
                 continue;
-            _corners.Add((point, _normals.Index(corner.Normal), _coordinates.Index(new Vector3(corner.UV.x, corner.UV.y, 0))));
+            _corners.Add((point, _normals.Index(corner.Normal),
+                _coordinates.Index(new Vector3(corner.UV.x, corner.UV.y, 0))));
         }
         while (_corners.Count - first > 1 && _corners[^1].Point == _corners[first].Point)
             _corners.RemoveAt(_corners.Count - 1);
@@ -40,7 +41,8 @@ internal sealed class SurfaceBuilder
     }
 
     /// <summary>
-    /// Adds a grid of quads. Outside is where the direction of growing i crossed with that of growing j points.
+    /// Adds a grid of quads. Outside is where the direction of growing i crossed with that of growing j
+    /// points.
     /// </summary>
     public void Grid(int columns, int rows, Func<int, int, Corner> corner)
     {
@@ -58,7 +60,9 @@ internal sealed class SurfaceBuilder
         }
     }
 
-    /// <summary>Turns all polygons and their normals round when the closed surface encloses a negative volume.</summary>
+    /// <summary>
+    /// Turns all polygons and their normals round when the closed surface encloses a negative volume.
+    /// </summary>
     public void OrientOutward()
     {
         double volume = 0;
@@ -123,7 +127,8 @@ internal sealed class SurfaceBuilder
         return mesh;
     }
 
-    // Values are the same only when they are equal to the last bit: what has to meet is computed the same way.
+    // Values are the same only when they are equal to the last bit: what has to meet is computed the same
+    // way.
     private sealed class Welded
     {
         private readonly Dictionary<(double, double, double), int> _indices = new();

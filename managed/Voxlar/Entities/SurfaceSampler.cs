@@ -8,8 +8,8 @@ namespace Velbor.Voxlar.Entities;
 internal static class SurfaceSampler
 {
     /// <summary>
-    /// Gives points in proportion to the area. What is left over of a point in one triangle counts in the next, so that small
-    /// triangles get their share too.
+    /// Gives points in proportion to the area. What is left over of a point in one triangle counts in the
+    /// next, so that small triangles get their share too.
     /// </summary>
     public static void Sample(Mesh mesh, double density, Action<Vector3> take)
     {
@@ -25,7 +25,8 @@ internal static class SurfaceSampler
             due += (b - a).Cross(c - a).Length / 2 * density;
             for (; due >= 1; --due, ++taken)
             {
-                // A sequence of the plastic number fills the unit square evenly; folding it gives the triangle.
+                // A sequence of the plastic number fills the unit square evenly; folding it gives the
+                // triangle.
                 double u = Fraction(0.5 + taken * 0.7548776662466927);
                 double v = Fraction(0.5 + taken * 0.5698402909980532);
                 if (u + v > 1)

@@ -7,8 +7,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A body made by moving a profile along a curve. The profile's origin is on the curve, and its plane is at right angles to it;
-/// at a corner of the curve the body is mitred.
+/// A body made by moving a profile along a curve. The profile's origin is on the curve, and its plane is at
+/// right angles to it; at a corner of the curve the body is mitred.
 /// </summary>
 public class SweptAreaSolid : Entity, IMeshConvertible
 {
@@ -24,7 +24,9 @@ public class SweptAreaSolid : Entity, IMeshConvertible
     /// <summary>The curve the profile is moved along.</summary>
     public Curve? Directrix { get; set; }
 
-    /// <summary>Where on the curve the body begins. While both ends are parameters of 0, the whole curve counts.</summary>
+    /// <summary>
+    /// Where on the curve the body begins. While both ends are parameters of 0, the whole curve counts.
+    /// </summary>
     public EndPoint StartPoint { get; set; }
 
     /// <summary>Where on the curve the body ends.</summary>
@@ -37,8 +39,12 @@ public class SweptAreaSolid : Entity, IMeshConvertible
     public override BoundingBox GetBoundingBox() =>
         Shape is null || Directrix is null ? BoundingBox.Null : ToMesh().GetBoundingBox();
 
-    /// <summary>Makes a closed mesh. A plane curve that ends where it begins gives a ring without end faces.</summary>
-    /// <exception cref="InvalidOperationException">The shape or the curve is missing, or the curve has no extent.</exception>
+    /// <summary>
+    /// Makes a closed mesh. A plane curve that ends where it begins gives a ring without end faces.
+    /// </summary>
+    /// <exception cref="InvalidOperationException">
+    /// The shape or the curve is missing, or the curve has no extent.
+    /// </exception>
     /// <exception cref="NotSupportedException">The outline of the shape cannot be found.</exception>
     public Mesh ToMesh()
     {
@@ -103,7 +109,8 @@ public class SweptAreaSolid : Entity, IMeshConvertible
         return middle.Dot(arrive) > 0.05 ? middle : arrive;
     }
 
-    // The profile's x and y turned the shortest way from z to the direction of the curve, then slid onto the first plane.
+    // The profile's x and y turned the shortest way from z to the direction of the curve, then slid onto the
+    // first plane.
     private static Vector3[] FirstSection(Vector2[] flat, Vector3 place, Vector3 along, Vector3 normal)
     {
         Vector3 x = Vector3.XAxis;

@@ -6,14 +6,16 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Builds the mesh of a body from the places that the outline of a profile takes one after the other. Faces that meet at less
-/// than 40 degrees are smoothed over.
+/// Builds the mesh of a body from the places that the outline of a profile takes one after the other. Faces
+/// that meet at less than 40 degrees are smoothed over.
 /// </summary>
 internal static class SweptSolid
 {
     private static readonly double SmoothCosine = Math.Cos(40 * Math.PI / 180);
 
-    /// <summary>The points of an outline in one row: those of the outer polygon, then those of each hole.</summary>
+    /// <summary>
+    /// The points of an outline in one row: those of the outer polygon, then those of each hole.
+    /// </summary>
     public static Vector2[] Flatten(ProfileOutline outline)
     {
         List<Vector2> points = new(outline.Outer);
@@ -25,9 +27,14 @@ internal static class SweptSolid
     /// <summary>Builds the mesh.</summary>
     /// <param name="name">The name of the mesh.</param>
     /// <param name="outline">The outline of the profile.</param>
-    /// <param name="sections">For each place, where the points of the outline lie there, in the order of Flatten.</param>
-    /// <param name="closed">Whether the last place is the first one again, so that there are no end faces.</param>
-    public static Mesh Build(string name, ProfileOutline outline, IReadOnlyList<Vector3[]> sections, bool closed)
+    /// <param name="sections">
+    /// For each place, where the points of the outline lie there, in the order of Flatten.
+    /// </param>
+    /// <param name="closed">
+    /// Whether the last place is the first one again, so that there are no end faces.
+    /// </param>
+    public static Mesh Build(string name, ProfileOutline outline, IReadOnlyList<Vector3[]> sections,
+        bool closed)
     {
         Vector2[] flat = Flatten(outline);
         SurfaceBuilder surface = new();
@@ -106,7 +113,8 @@ internal static class SweptSolid
             {
                 int j = (i + 1) % count;
                 Vector3 diagonal = sections[k + 1][start + j] - sections[k][start + i];
-                normals[i, k] = diagonal.Cross(sections[k + 1][start + i] - sections[k][start + j]).Normalize();
+                normals[i, k] = diagonal.Cross(
+                    sections[k + 1][start + i] - sections[k][start + j]).Normalize();
             }
         }
         for (int k = 0; k < steps; ++k)
@@ -125,7 +133,8 @@ internal static class SweptSolid
             }
         }
 
-        // The normal at one corner of the face (i, k): its own, and those of the faces around the corner that go on smoothly.
+        // The normal at one corner of the face (i, k): its own, and those of the faces around the corner that
+        // go on smoothly.
         Vector3 At(int i, int k, int di, int dk)
         {
             Vector3 own = normals[i, k];
@@ -140,5 +149,6 @@ internal static class SweptSolid
         }
     }
 
-    private static Vector3 Smooth(Vector3 own, Vector3 other) => own.Dot(other) > SmoothCosine ? other : Vector3.Origin;
+    private static Vector3 Smooth(Vector3 own, Vector3 other) =>
+        own.Dot(other) > SmoothCosine ? other : Vector3.Origin;
 }

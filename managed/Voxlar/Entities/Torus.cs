@@ -4,8 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A ring with a round cross section about the y axis, or a part of one. The part begins at x, runs counter-clockwise as seen
-/// from above, and is closed by a disc at either end.
+/// A ring with a round cross section about the y axis, or a part of one. The part begins at x, runs
+/// counter-clockwise as seen from above, and is closed by a disc at either end.
 /// </summary>
 public class Torus : Primitive
 {
@@ -40,7 +40,9 @@ public class Torus : Primitive
     /// <param name="radius">The distance from the axis to the middle of the tube.</param>
     /// <param name="tube">The radius of the tube.</param>
     /// <param name="radialSegments">The number of segments round the tube; a mesh has at least 3.</param>
-    /// <param name="tubularSegments">The number of segments round the axis; a full ring has at least 3.</param>
+    /// <param name="tubularSegments">
+    /// The number of segments round the axis; a full ring has at least 3.
+    /// </param>
     /// <param name="arc">How far it goes round the axis, in radians.</param>
     public Torus(string name, double radius, double tube, int radialSegments, int tubularSegments, double arc)
         : base(name)
@@ -87,7 +89,8 @@ public class Torus : Primitive
             (double sin, double cos) = Math.SinCos(section.Angle(j));
             Vector3 normal = outward * cos + Vector3.YAxis * sin;
             return new SurfaceBuilder.Corner(
-                outward * Radius + normal * Tube, normal, new Vector2((double)i / ring.Steps, (double)j / section.Steps));
+                outward * Radius + normal * Tube, normal,
+                new Vector2((double)i / ring.Steps, (double)j / section.Steps));
         }
 
         surface.Grid(ring.Steps, section.Steps, At);
@@ -100,7 +103,8 @@ public class Torus : Primitive
                 (double sin, double cos) = Math.SinCos(section.Angle(j));
                 begin[j] = new(At(0, j).Position, -ring.Along(0), new Vector2(0.5 + cos / 2, 0.5 + sin / 2));
                 end[section.Steps - 1 - j] = new(
-                    At(ring.Steps, j).Position, ring.Along(ring.Steps), new Vector2(0.5 - cos / 2, 0.5 + sin / 2));
+                    At(ring.Steps, j).Position, ring.Along(ring.Steps),
+                    new Vector2(0.5 - cos / 2, 0.5 + sin / 2));
             }
             surface.Polygon(begin);
             surface.Polygon(end);

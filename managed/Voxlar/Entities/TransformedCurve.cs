@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>A curve with a transform applied to its points. It has the parameters of the curve it is made of.</summary>
+/// <summary>
+/// A curve with a transform applied to its points. It has the parameters of the curve it is made of.
+/// </summary>
 public class TransformedCurve : Curve
 {
     /// <summary>Makes a transformed curve without a basis.</summary>
@@ -35,11 +37,13 @@ public class TransformedCurve : Curve
 
     internal override double Period => Basis.Period;
 
-    private Curve Basis => BasisCurve ?? throw new InvalidOperationException("The transformed curve has no basis.");
+    private Curve Basis =>
+        BasisCurve ?? throw new InvalidOperationException("The transformed curve has no basis.");
 
     internal override Vector3 PointAt(double parameter) => Basis.PointAt(parameter) * TransformMatrix;
 
     internal override List<double> Parameters(double from, double to) => Basis.Parameters(from, to);
 
-    internal override List<Vector3> Tessellate() => Basis.Tessellate().ConvertAll(point => point * TransformMatrix);
+    internal override List<Vector3> Tessellate() =>
+        Basis.Tessellate().ConvertAll(point => point * TransformMatrix);
 }

@@ -10,9 +10,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// A triangle mesh as a device takes it: vertices laid out by a declaration, one after the other in one array of bytes, and
-/// three indices for each triangle. Vertices that are added one by one and are equal to the last bit are kept once.
-/// Enumerating it gives its vertices.
+/// A triangle mesh as a device takes it: vertices laid out by a declaration, one after the other in one array
+/// of bytes, and three indices for each triangle. Vertices that are added one by one and are equal to the
+/// last bit are kept once. Enumerating it gives its vertices.
 /// </summary>
 public class TriMesh : Entity, IEnumerable<Vertex>
 {
@@ -34,7 +34,8 @@ public class TriMesh : Entity, IEnumerable<Vertex>
     {
         ArgumentNullException.ThrowIfNull(declaration);
         if (declaration.Size == 0)
-            throw new ArgumentException("The vertices of a mesh have at least one field.", nameof(declaration));
+            throw new ArgumentException("The vertices of a mesh have at least one field.",
+                nameof(declaration));
         declaration.Seal();
         VertexDeclaration = declaration;
         _size = declaration.Size;
@@ -66,10 +67,13 @@ public class TriMesh : Entity, IEnumerable<Vertex>
 
     /// <summary>Makes a mesh of the triangles that the polygons of another are cut into.</summary>
     /// <param name="declaration">
-    /// The fields of its vertices. A field takes the vertex element of its meaning and index; one that has none is 0.
+    /// The fields of its vertices. A field takes the vertex element of its meaning and index; one that has
+    /// none is 0.
     /// </param>
     /// <param name="mesh">The mesh.</param>
-    /// <exception cref="InvalidOperationException">A polygon has a control point that does not exist.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// A polygon has a control point that does not exist.
+    /// </exception>
     public static TriMesh FromMesh(VertexDeclaration declaration, Mesh mesh)
     {
         ArgumentNullException.ThrowIfNull(mesh);
@@ -78,14 +82,20 @@ public class TriMesh : Entity, IEnumerable<Vertex>
         return result;
     }
 
-    /// <summary>Makes a mesh with a field for each vertex element of another, see <see cref="VertexDeclaration"/>.</summary>
+    /// <summary>
+    /// Makes a mesh with a field for each vertex element of another, see <see cref="VertexDeclaration"/>.
+    /// </summary>
     /// <param name="mesh">The mesh.</param>
     /// <param name="useFloat">Whether fields are of single precision; of double precision otherwise.</param>
-    /// <exception cref="InvalidOperationException">A polygon has a control point that does not exist.</exception>
+    /// <exception cref="InvalidOperationException">
+    /// A polygon has a control point that does not exist.
+    /// </exception>
     public static TriMesh FromMesh(Mesh mesh, bool useFloat) =>
         FromMesh(VertexDeclaration.FromGeometry(mesh, useFloat), mesh);
 
-    /// <summary>Makes a copy of a mesh with other fields. Fields that the source does not have are 0.</summary>
+    /// <summary>
+    /// Makes a copy of a mesh with other fields. Fields that the source does not have are 0.
+    /// </summary>
     /// <param name="input">The mesh.</param>
     /// <param name="vd">The fields of the copy.</param>
     public static TriMesh CopyFrom(TriMesh input, VertexDeclaration vd)
@@ -120,19 +130,22 @@ public class TriMesh : Entity, IEnumerable<Vertex>
     /// <exception cref="ArgumentException">
     /// The bytes are no whole number of vertices, or an index has no vertex, or a triangle is not complete.
     /// </exception>
-    public static TriMesh FromRawData(VertexDeclaration vd, byte[] vertices, int[] indices, bool generateVertexMapping)
+    public static TriMesh FromRawData(VertexDeclaration vd, byte[] vertices, int[] indices,
+        bool generateVertexMapping)
     {
         ArgumentNullException.ThrowIfNull(indices);
         TriMesh result = new("", vd);
         result.LoadVerticesFromBytes(vertices);
         if (indices.Length % 3 != 0)
-            throw new ArgumentException("A triangle mesh has three indices for each triangle.", nameof(indices));
+            throw new ArgumentException("A triangle mesh has three indices for each triangle.",
+                nameof(indices));
         foreach (int index in indices)
         {
             if (index < 0 || index >= result.VerticesCount)
             {
                 throw new ArgumentException(
-                    $"There is no vertex {index} among the {result.VerticesCount} vertices.", nameof(indices));
+                    $"There is no vertex {index} among the {result.VerticesCount} vertices.",
+                    nameof(indices));
             }
         }
         result._indices.AddRange(indices);
@@ -173,7 +186,8 @@ public class TriMesh : Entity, IEnumerable<Vertex>
     }
 
     /// <summary>
-    /// Ends a vertex: adds it, unless an equal one is there, and adds its index. Three of them make a triangle.
+    /// Ends a vertex: adds it, unless an equal one is there, and adds its index. Three of them make a
+    /// triangle.
     /// </summary>
     /// <exception cref="InvalidOperationException">No vertex has been begun.</exception>
     public void EndVertex()
@@ -243,11 +257,13 @@ public class TriMesh : Entity, IEnumerable<Vertex>
         if (verticesInBytes.Length % _size != 0)
         {
             throw new ArgumentException(
-                $"{verticesInBytes.Length} bytes are no whole number of vertices of {_size} bytes.", nameof(verticesInBytes));
+                $"{verticesInBytes.Length} bytes are no whole number of vertices of {_size} bytes.",
+                nameof(verticesInBytes));
         }
         int count = verticesInBytes.Length / _size;
         if (_indices.Exists(index => index >= count))
-            throw new ArgumentException("The indices of the mesh need more vertices.", nameof(verticesInBytes));
+            throw new ArgumentException("The indices of the mesh need more vertices.",
+                nameof(verticesInBytes));
         _known.Clear();
         _data = (byte[])verticesInBytes.Clone();
         VerticesCount = count;

@@ -5,12 +5,15 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Cuts polygons into triangles by clipping ears. A polygon of n corners always gives n - 2 triangles that run the same way;
-/// for a simple polygon they cover it exactly, for one that crosses itself they are as good as can be.
+/// Cuts polygons into triangles by clipping ears. A polygon of n corners always gives n - 2 triangles that
+/// run the same way; for a simple polygon they cover it exactly, for one that crosses itself they are as good
+/// as can be.
 /// </summary>
 internal static class Triangulator
 {
-    /// <summary>Cuts a polygon in space, which is taken to be flat enough to be seen along its mean normal.</summary>
+    /// <summary>
+    /// Cuts a polygon in space, which is taken to be flat enough to be seen along its mean normal.
+    /// </summary>
     /// <param name="polygon">The corners in order.</param>
     /// <param name="triangles">Gets three places in the polygon for each triangle.</param>
     public static void Cut(ReadOnlySpan<Vector3> polygon, List<int> triangles)
@@ -55,7 +58,9 @@ internal static class Triangulator
 
     /// <summary>Cuts a plane polygon with holes.</summary>
     /// <param name="points">All points.</param>
-    /// <param name="outer">The number of points of the outer polygon, counter-clockwise, which come first.</param>
+    /// <param name="outer">
+    /// The number of points of the outer polygon, counter-clockwise, which come first.
+    /// </param>
     /// <param name="holes">The numbers of points of the holes, clockwise, which follow.</param>
     /// <returns>Three places in the points for each triangle.</returns>
     public static List<int> CutWithHoles(Vector2[] points, int outer, IReadOnlyList<int> holes)
@@ -133,8 +138,8 @@ internal static class Triangulator
             triangles.AddRange([ring[previous[at]], ring[at], ring[next[at]]]);
     }
 
-    // A corner in a straight line is taken only when no true ear is left, and any corner at all when there is none of those:
-    // the polygon crosses itself then.
+    // A corner in a straight line is taken only when no true ear is left, and any corner at all when there is
+    // none of those: the polygon crosses itself then.
     private static int FindEar(
         Vector2[] points, int[] ring, int[] next, int[] previous, int start, int count, double tolerance)
     {
@@ -160,7 +165,8 @@ internal static class Triangulator
     }
 
     private static bool IsFree(
-        Vector2[] points, int[] ring, int[] next, int[] previous, int ear, Vector2 a, Vector2 b, Vector2 c, double tolerance)
+        Vector2[] points, int[] ring, int[] next, int[] previous, int ear, Vector2 a, Vector2 b, Vector2 c,
+        double tolerance)
     {
         double minX = Math.Min(a.x, Math.Min(b.x, c.x));
         double maxX = Math.Max(a.x, Math.Max(b.x, c.x));
@@ -171,7 +177,8 @@ internal static class Triangulator
             Vector2 p = points[ring[at]];
             if (p.x < minX || p.x > maxX || p.y < minY || p.y > maxY)
                 continue;
-            // A tie to a hole passes its two ends twice; they are corners of the triangle and do not lie in it.
+            // A tie to a hole passes its two ends twice; they are corners of the triangle and do not lie in
+            // it.
             if (p == a || p == b || p == c)
                 continue;
             if (Turn(a, b, p) >= -tolerance && Turn(b, c, p) >= -tolerance && Turn(c, a, p) >= -tolerance)

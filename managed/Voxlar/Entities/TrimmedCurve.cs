@@ -5,8 +5,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// The part of a curve between two ends. It has the parameters from 0 at the first end to 1 at the second. On a circle or
-/// ellipse the part runs on beyond the basis curve's begin where the second end comes before the first.
+/// The part of a curve between two ends. It has the parameters from 0 at the first end to 1 at the second. On
+/// a circle or ellipse the part runs on beyond the basis curve's begin where the second end comes before the
+/// first.
 /// </summary>
 public class TrimmedCurve : Curve
 {
@@ -25,14 +26,17 @@ public class TrimmedCurve : Curve
     /// <summary>Where the part ends.</summary>
     public EndPoint Second { get; set; }
 
-    /// <summary>Whether the part runs the way of the basis curve from the first end to the second; true at first.</summary>
+    /// <summary>
+    /// Whether the part runs the way of the basis curve from the first end to the second; true at first.
+    /// </summary>
     public bool SameDirection { get; set; } = true;
 
     internal override double Begin => 0;
 
     internal override double End => 1;
 
-    private Curve Basis => BasisCurve ?? throw new InvalidOperationException("The trimmed curve has no basis.");
+    private Curve Basis =>
+        BasisCurve ?? throw new InvalidOperationException("The trimmed curve has no basis.");
 
     internal override Vector3 PointAt(double parameter)
     {

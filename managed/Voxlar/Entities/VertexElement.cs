@@ -4,8 +4,8 @@ using System.Collections.Generic;
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Values that belong to the points, corners, polygons or edges of a geometry. The mapping mode tells what one value belongs
-/// to, the reference mode how it is found.
+/// Values that belong to the points, corners, polygons or edges of a geometry. The mapping mode tells what
+/// one value belongs to, the reference mode how it is found.
 /// </summary>
 public abstract class VertexElement : IIndexedVertexElement
 {
@@ -31,7 +31,8 @@ public abstract class VertexElement : IIndexedVertexElement
     public MappingMode MappingMode
     {
         get => _mappingMode;
-        set => _mappingMode = Enum.IsDefined(value) ? value : throw new ArgumentOutOfRangeException(nameof(value));
+        set => _mappingMode =
+            Enum.IsDefined(value) ? value : throw new ArgumentOutOfRangeException(nameof(value));
     }
 
     /// <summary>How values are found.</summary>
@@ -39,10 +40,13 @@ public abstract class VertexElement : IIndexedVertexElement
     public ReferenceMode ReferenceMode
     {
         get => _referenceMode;
-        set => _referenceMode = Enum.IsDefined(value) ? value : throw new ArgumentOutOfRangeException(nameof(value));
+        set => _referenceMode =
+            Enum.IsDefined(value) ? value : throw new ArgumentOutOfRangeException(nameof(value));
     }
 
-    /// <summary>The indices, one for each thing that is mapped, unless the reference mode is direct.</summary>
+    /// <summary>
+    /// The indices, one for each thing that is mapped, unless the reference mode is direct.
+    /// </summary>
     public IList<int> Indices => _indices;
 
     internal List<int> IndexList => _indices;
@@ -69,8 +73,8 @@ public abstract class VertexElement : IIndexedVertexElement
     public override string ToString() => $"{VertexElementType} {MappingMode} {ReferenceMode}";
 
     /// <summary>
-    /// Finds the place of the value of something, or -1 when the element has none for it: where an index is missing or
-    /// points beyond the values.
+    /// Finds the place of the value of something, or -1 when the element has none for it: where an index is
+    /// missing or points beyond the values.
     /// </summary>
     /// <param name="controlPoint">The index of the control point.</param>
     /// <param name="corner">The index of the corner over all polygons.</param>
@@ -96,7 +100,9 @@ public abstract class VertexElement : IIndexedVertexElement
         return item < ValueCount ? item : -1;
     }
 
-    /// <summary>Makes an element of the same kind without values, with the name and the two modes of this one.</summary>
+    /// <summary>
+    /// Makes an element of the same kind without values, with the name and the two modes of this one.
+    /// </summary>
     internal abstract VertexElement CreateEmpty();
 
     /// <summary>Copies name, modes and indices.</summary>
@@ -128,7 +134,9 @@ public abstract class VertexElement : IIndexedVertexElement
     {
     }
 
-    /// <summary>Appends the value that stands for none: zeros, or true where it is about visibility.</summary>
+    /// <summary>
+    /// Appends the value that stands for none: zeros, or true where it is about visibility.
+    /// </summary>
     internal virtual void AppendDefault()
     {
     }

@@ -1,6 +1,8 @@
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>How sharp edges stay when the surface is subdivided, from 0 to 1. Mapped by edge at first.</summary>
+/// <summary>
+/// How sharp edges stay when the surface is subdivided, from 0 to 1. Mapped by edge at first.
+/// </summary>
 public class VertexElementEdgeCrease : VertexElementDoublesTemplate
 {
     /// <summary>Makes the element without values.</summary>

@@ -1,7 +1,8 @@
 namespace Velbor.Voxlar.Entities;
 
 /// <summary>
-/// Which material each polygon has: the indices are places in the material list of the node. Mapped by polygon at first.
+/// Which material each polygon has: the indices are places in the material list of the node. Mapped by
+/// polygon at first.
 /// </summary>
 public class VertexElementMaterial : VertexElement
 {

@@ -1,7 +1,9 @@
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>A bit mask of smoothing groups for each polygon; polygons with a common bit share smooth normals. Mapped by polygon at
-/// first.</summary>
+/// <summary>
+/// A bit mask of smoothing groups for each polygon; polygons with a common bit share smooth normals. Mapped
+/// by polygon at first.
+/// </summary>
 public class VertexElementSmoothingGroup : VertexElementIntsTemplate
 {
     /// <summary>Makes the element without values.</summary>

@@ -14,7 +14,9 @@ internal static class VertexElementTemplate
         values.AddRange(data);
     }
 
-    /// <summary>Replaces the content of a list by that of another; nothing happens when both are the same.</summary>
+    /// <summary>
+    /// Replaces the content of a list by that of another; nothing happens when both are the same.
+    /// </summary>
     public static void Assign<T>(List<T> values, List<T> source)
     {
         if (!ReferenceEquals(values, source))

@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>Texture coordinates: u, v and, for volumes, w. The origin is the lower left corner of the image.</summary>
+/// <summary>
+/// Texture coordinates: u, v and, for volumes, w. The origin is the lower left corner of the image.
+/// </summary>
 public class VertexElementUV : VertexElementVector4
 {
     /// <summary>Makes coordinates for diffuse textures.</summary>

@@ -26,7 +26,9 @@ public class VertexElementUserData : VertexElement
         ReferenceMode = ReferenceMode,
     };
 
-    private protected override void CopyValuesTo(VertexElement target) => ((VertexElementUserData)target).Data = Data;
+    private protected override void CopyValuesTo(VertexElement target) =>
+        ((VertexElementUserData)target).Data = Data;
 
-    internal override void AppendValue(VertexElement source, int index) => Data = ((VertexElementUserData)source).Data;
+    internal override void AppendValue(VertexElement source, int index) =>
+        Data = ((VertexElementUserData)source).Data;
 }

@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Entities;
 
-/// <summary>A vertex element whose values have four components; those that need fewer leave the rest alone.</summary>
+/// <summary>
+/// A vertex element whose values have four components; those that need fewer leave the rest alone.
+/// </summary>
 public abstract class VertexElementVector4 : VertexElement
 {
     private readonly List<Vector4> _data = new();

@@ -20,7 +20,9 @@ public class ArbitraryProfile : Profile
         Curve = curve;
     }
 
-    /// <summary>The boundary; a curve that does not end where it begins is closed by a straight line.</summary>
+    /// <summary>
+    /// The boundary; a curve that does not end where it begins is closed by a straight line.
+    /// </summary>
     public Curve? Curve { get; set; }
 
     internal override ProfileOutline GetOutline()

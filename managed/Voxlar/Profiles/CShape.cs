@@ -17,7 +17,9 @@ public class CShape : ParameterizedProfile
     /// <summary>The thickness of the sheet; 0.5 at first.</summary>
     public double WallThickness { get; set; } = 0.5;
 
-    /// <summary>The radius inside the bends; outside it is greater by the thickness. 0 leaves the bends sharp.</summary>
+    /// <summary>
+    /// The radius inside the bends; outside it is greater by the thickness. 0 leaves the bends sharp.
+    /// </summary>
     public double InternalFilletRadius { get; set; }
 
     /// <inheritdoc/>

@@ -12,7 +12,9 @@ public class HollowCircleShape : CircleShape
     {
         double inner = Radius - WallThickness;
         if (!(inner > 0 && WallThickness > 0))
-            throw new InvalidOperationException("The wall of a hollow circle is thicker than 0 and thinner than its radius.");
-        return new ProfileOutline(ProfileOutline.Ellipse(Radius, Radius), ProfileOutline.Ellipse(inner, inner));
+            throw new InvalidOperationException(
+                "The wall of a hollow circle is thicker than 0 and thinner than its radius.");
+        return new ProfileOutline(ProfileOutline.Ellipse(Radius, Radius),
+            ProfileOutline.Ellipse(inner, inner));
     }
 }

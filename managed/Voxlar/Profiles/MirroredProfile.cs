@@ -24,5 +24,6 @@ public class MirroredProfile : Profile
         return new ProfileOutline(Mirror(source.Outer), source.Holes.Select(Mirror).ToArray());
     }
 
-    private static Vector2[] Mirror(Vector2[] polygon) => Array.ConvertAll(polygon, p => new Vector2(-p.x, p.y));
+    private static Vector2[] Mirror(Vector2[] polygon) =>
+        Array.ConvertAll(polygon, p => new Vector2(-p.x, p.y));
 }

@@ -5,8 +5,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Profiles;
 
 /// <summary>
-/// The boundary of a profile: one outer polygon, counter-clockwise, and the polygons of its holes, clockwise. So the inside is
-/// to the left of every edge.
+/// The boundary of a profile: one outer polygon, counter-clockwise, and the polygons of its holes, clockwise.
+/// So the inside is to the left of every edge.
 /// </summary>
 internal sealed class ProfileOutline
 {
@@ -63,9 +63,12 @@ internal sealed class ProfileOutline
     }
 
     /// <summary>
-    /// Rounds the corners of a polygon. A radius that does not fit on the edges at its corner is reduced until it does.
+    /// Rounds the corners of a polygon. A radius that does not fit on the edges at its corner is reduced
+    /// until it does.
     /// </summary>
-    /// <param name="corners">The corners in order, each with the radius of its rounding; 0 leaves it sharp.</param>
+    /// <param name="corners">
+    /// The corners in order, each with the radius of its rounding; 0 leaves it sharp.
+    /// </param>
     public static List<Vector2> Rounded(params ReadOnlySpan<(double X, double Y, double Radius)> corners)
     {
         List<Vector2> result = new();
@@ -82,7 +85,8 @@ internal sealed class ProfileOutline
         return result;
     }
 
-    private static void AddCorner(List<Vector2> result, Vector2 corner, Vector2 toPrevious, Vector2 toNext, double radius)
+    private static void AddCorner(List<Vector2> result, Vector2 corner, Vector2 toPrevious, Vector2 toNext,
+        double radius)
     {
         Vector2 a = toPrevious.Normalize();
         Vector2 b = toNext.Normalize();
@@ -117,7 +121,8 @@ internal sealed class ProfileOutline
         while (points.Count > 1 && (points[0] - points[^1]).Length <= 1e-12)
             points.RemoveAt(points.Count - 1);
         if (points.Count < 3)
-            throw new InvalidOperationException("The outline of a profile needs at least three different points.");
+            throw new InvalidOperationException(
+                "The outline of a profile needs at least three different points.");
         if (SignedArea(points) > 0 != counterClockwise)
             points.Reverse();
         return points.ToArray();

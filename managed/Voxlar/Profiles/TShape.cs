@@ -36,7 +36,8 @@ public class TShape : ParameterizedProfile
         double y = Depth / 2;
         double low = y - FlangeThickness;
         return new ProfileOutline(ProfileOutline.Rounded(
-            (-web, -y, WebEdgeRadius), (web, -y, WebEdgeRadius), (web, low, FilletRadius), (x, low, FlangeEdgeRadius),
+            (-web, -y, WebEdgeRadius), (web, -y, WebEdgeRadius), (web, low, FilletRadius),
+            (x, low, FlangeEdgeRadius),
             (x, y, 0), (-x, y, 0), (-x, low, FlangeEdgeRadius), (-web, low, FilletRadius)));
     }
 }

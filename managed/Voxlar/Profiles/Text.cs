@@ -2,7 +2,9 @@ using System;
 
 namespace Velbor.Voxlar.Profiles;
 
-/// <summary>A profile of letters. It keeps its values, but has no outline, as fonts cannot be read in this build.</summary>
+/// <summary>
+/// A profile of letters. It keeps its values, but has no outline, as fonts cannot be read in this build.
+/// </summary>
 public class Text : Profile
 {
     /// <summary>The letters.</summary>

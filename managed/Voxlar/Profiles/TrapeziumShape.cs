@@ -15,7 +15,9 @@ public class TrapeziumShape : ParameterizedProfile
     /// <summary>The size in y; 1 at first.</summary>
     public double YDim { get; set; } = 1;
 
-    /// <summary>How far the left end of the top side lies to the right of that of the bottom side; 0 at first.</summary>
+    /// <summary>
+    /// How far the left end of the top side lies to the right of that of the bottom side; 0 at first.
+    /// </summary>
     public double TopXOffset { get; set; }
 
     /// <inheritdoc/>

@@ -2,7 +2,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Profiles;
 
-/// <summary>A Z: a web along y, a bottom flange towards positive x and a top flange towards negative x.</summary>
+/// <summary>
+/// A Z: a web along y, a bottom flange towards positive x and a top flange towards negative x.
+/// </summary>
 public class ZShape : ParameterizedProfile
 {
     /// <summary>The size in y; 10 at first.</summary>

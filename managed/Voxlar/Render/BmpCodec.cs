@@ -4,7 +4,9 @@ using System.IO;
 
 namespace Velbor.Voxlar.Render;
 
-/// <summary>Windows bitmaps without compression, of 24 or 32 bits; 32 bits are read as opaque colours.</summary>
+/// <summary>
+/// Windows bitmaps without compression, of 24 or 32 bits; 32 bits are read as opaque colours.
+/// </summary>
 internal sealed class BmpCodec : ITextureCodec, ITextureDecoder, ITextureEncoder
 {
     private const int HeaderSize = 54;
@@ -18,7 +20,8 @@ internal sealed class BmpCodec : ITextureCodec, ITextureDecoder, ITextureEncoder
     public TextureData? Decode(Stream stream, bool reverseY)
     {
         byte[] header = new byte[HeaderSize];
-        if (stream.ReadAtLeast(header, HeaderSize, throwOnEndOfStream: false) < 2 || header[0] != 'B' || header[1] != 'M')
+        if (stream.ReadAtLeast(header, HeaderSize, throwOnEndOfStream: false) < 2 || header[0] != 'B'
+            || header[1] != 'M')
             return null;
         long start = BinaryPrimitives.ReadUInt32LittleEndian(header.AsSpan(10));
         int width = BinaryPrimitives.ReadInt32LittleEndian(header.AsSpan(18));
@@ -26,7 +29,8 @@ internal sealed class BmpCodec : ITextureCodec, ITextureDecoder, ITextureEncoder
         int bits = BinaryPrimitives.ReadUInt16LittleEndian(header.AsSpan(28));
         int compression = BinaryPrimitives.ReadInt32LittleEndian(header.AsSpan(30));
         if (compression != 0 || bits is not (24 or 32))
-            throw new InvalidDataException($"A bitmap of {bits} bits with compression {compression} cannot be read.");
+            throw new InvalidDataException(
+                $"A bitmap of {bits} bits with compression {compression} cannot be read.");
         long height = Math.Abs((long)signedHeight);
         int size = bits / 8;
         long stride = (width * (long)size + 3) / 4 * 4;

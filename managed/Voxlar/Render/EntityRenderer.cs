@@ -3,8 +3,9 @@ using System;
 namespace Velbor.Voxlar.Render;
 
 /// <summary>
-/// Draws one kind of entity for a renderer. The methods of this class do nothing; a renderer of entities overrides those it
-/// needs, and names in its features those that it wants to be called at the frame's begin and end.
+/// Draws one kind of entity for a renderer. The methods of this class do nothing; a renderer of entities
+/// overrides those it needs, and names in its features those that it wants to be called at the frame's begin
+/// and end.
 /// </summary>
 public class EntityRenderer
 {
@@ -40,14 +41,18 @@ public class EntityRenderer
     {
     }
 
-    /// <summary>Called at the begin of each frame, with <see cref="EntityRendererFeatures.FrameBegin"/>.</summary>
+    /// <summary>
+    /// Called at the begin of each frame, with <see cref="EntityRendererFeatures.FrameBegin"/>.
+    /// </summary>
     /// <param name="renderer">The renderer.</param>
     /// <param name="renderQueue">The queue of the frame.</param>
     public virtual void FrameBegin(Renderer renderer, IRenderQueue renderQueue)
     {
     }
 
-    /// <summary>Called at the end of each frame, with <see cref="EntityRendererFeatures.FrameEnd"/>.</summary>
+    /// <summary>
+    /// Called at the end of each frame, with <see cref="EntityRendererFeatures.FrameEnd"/>.
+    /// </summary>
     /// <param name="renderer">The renderer.</param>
     /// <param name="renderQueue">The queue of the frame.</param>
     public virtual void FrameEnd(Renderer renderer, IRenderQueue renderQueue)

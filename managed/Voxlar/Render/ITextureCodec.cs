@@ -1,6 +1,8 @@
 namespace Velbor.Voxlar.Render;
 
-/// <summary>Reads and writes image formats; <see cref="TextureCodec.RegisterCodec"/> makes it known.</summary>
+/// <summary>
+/// Reads and writes image formats; <see cref="TextureCodec.RegisterCodec"/> makes it known.
+/// </summary>
 public interface ITextureCodec
 {
     /// <summary>Gives the decoders, one for each format that is read.</summary>

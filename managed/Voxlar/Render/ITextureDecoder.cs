@@ -9,6 +9,8 @@ public interface ITextureDecoder
     /// <param name="stream">A seekable stream that stands at the begin of the image.</param>
     /// <param name="reverseY">Whether the rows are turned upside down.</param>
     /// <returns>The image, or null when the stream holds another format.</returns>
-    /// <exception cref="InvalidDataException">The stream holds this format, but damaged or of an unknown kind.</exception>
+    /// <exception cref="InvalidDataException">
+    /// The stream holds this format, but damaged or of an unknown kind.
+    /// </exception>
     TextureData? Decode(Stream stream, bool reverseY);
 }

@@ -1,8 +1,10 @@
 namespace Velbor.Voxlar.Render;
 
-/// <summary>The layout of a pixel. Where every component has 8 bits, the bytes stand in memory in the order of the name: the
-/// first byte of <c>R8G8B8A8</c> is red. The other packed formats are little-endian integers whose first named component is
-/// in the most significant bits. A and L are alpha and luminance, X is unused.</summary>
+/// <summary>
+/// The layout of a pixel. Where every component has 8 bits, the bytes stand in memory in the order of the
+/// name: the first byte of <c>R8G8B8A8</c> is red. The other packed formats are little-endian integers whose
+/// first named component is in the most significant bits. A and L are alpha and luminance, X is unused.
+/// </summary>
 public enum PixelFormat
 {
     Unknown = 0,

@@ -4,7 +4,8 @@ using System.Collections.Generic;
 namespace Velbor.Voxlar.Render;
 
 /// <summary>
-/// Where the components of a pixel lie in the little-endian integer that its bytes make. One table serves every conversion.
+/// Where the components of a pixel lie in the little-endian integer that its bytes make. One table serves
+/// every conversion.
 /// </summary>
 internal sealed class PixelLayout
 {
@@ -16,7 +17,8 @@ internal sealed class PixelLayout
     private readonly Component _alpha;
     private readonly bool _luminance;
 
-    private PixelLayout(int bytes, Component red, Component green, Component blue, Component alpha, bool luminance)
+    private PixelLayout(int bytes, Component red, Component green, Component blue, Component alpha,
+        bool luminance)
     {
         Bytes = bytes;
         _red = red;
@@ -29,13 +31,17 @@ internal sealed class PixelLayout
     /// <summary>The size of a pixel.</summary>
     public int Bytes { get; }
 
-    /// <summary>Gives the layout of a format whose components are unsigned integers of up to 16 bits.</summary>
+    /// <summary>
+    /// Gives the layout of a format whose components are unsigned integers of up to 16 bits.
+    /// </summary>
     /// <exception cref="NotSupportedException">The format has other components or is compressed.</exception>
     public static PixelLayout Of(PixelFormat format) => Table.TryGetValue(format, out PixelLayout? layout)
         ? layout
         : throw new NotSupportedException($"Pixels of the format {format} cannot be converted.");
 
-    /// <summary>The size of a pixel in bytes; 0 for an unknown format and for compressed ones, which have blocks.</summary>
+    /// <summary>
+    /// The size of a pixel in bytes; 0 for an unknown format and for compressed ones, which have blocks.
+    /// </summary>
     public static int BytesPerPixel(PixelFormat format)
     {
         if (Table.TryGetValue(format, out PixelLayout? layout))
@@ -52,7 +58,9 @@ internal sealed class PixelLayout
         };
     }
 
-    /// <summary>The size of a block of 4 x 4 pixels in bytes; 0 for formats that are not compressed.</summary>
+    /// <summary>
+    /// The size of a block of 4 x 4 pixels in bytes; 0 for formats that are not compressed.
+    /// </summary>
     public static int BytesPerBlock(PixelFormat format) => format switch
     {
         PixelFormat.Dxt1 => 8,
@@ -67,8 +75,10 @@ internal sealed class PixelLayout
         for (int i = Bytes - 1; i >= 0; --i)
             bits = bits << 8 | pixel[i];
         ushort red = _red.Read(bits, 0);
-        return new Rgba16(red, _luminance ? red : _green.Read(bits, 0), _luminance ? red : _blue.Read(bits, 0),
-            _alpha.Read(bits, ushort.MaxValue));
+        ushort alpha = _alpha.Read(bits, ushort.MaxValue);
+        return _luminance
+            ? new Rgba16(red, red, red, alpha)
+            : new Rgba16(red, _green.Read(bits, 0), _blue.Read(bits, 0), alpha);
     }
 
     /// <summary>Writes a pixel. Unused bits become 0; luminance is that of ITU-R BT.601.</summary>
@@ -92,15 +102,18 @@ internal sealed class PixelLayout
             int total = 0;
             for (int i = 0; i < components.Length; ++i)
             {
-                int kind = "RGBAX".IndexOf(components[i] == 'L' ? 'R' : components[i], StringComparison.Ordinal);
+                int kind = "RGBAX".IndexOf(components[i] == 'L' ? 'R' : components[i],
+                    StringComparison.Ordinal);
                 found[kind] = new Component(total, bits[i]);
                 total += bits[i];
             }
             table[format] = new PixelLayout(
-                total / 8, found[0], found[1], found[2], found[3], components.Contains('L', StringComparison.Ordinal));
+                total / 8, found[0], found[1], found[2], found[3],
+                components.Contains('L', StringComparison.Ordinal));
         }
 
-        // From the least significant bits up: byte formats in the order of their name, packed ones in the reverse of it.
+        // From the least significant bits up: byte formats in the order of their name, packed ones in the
+        // reverse of it.
         Add(PixelFormat.L8, "L", 8);
         Add(PixelFormat.L16, "L", 16);
         Add(PixelFormat.A8, "A", 8);
@@ -130,7 +143,9 @@ internal sealed class PixelLayout
         return table;
     }
 
-    /// <summary>A colour with components from 0 to 65535, in which every format of the table can be kept exactly.</summary>
+    /// <summary>
+    /// A colour with components from 0 to 65535, in which every format of the table can be kept exactly.
+    /// </summary>
     public readonly record struct Rgba16(ushort R, ushort G, ushort B, ushort A)
     {
         public ushort Luminance => (ushort)((299 * R + 587 * G + 114 * B + 500) / 1000);

@@ -3,8 +3,8 @@ using System;
 namespace Velbor.Voxlar.Render;
 
 /// <summary>
-/// A copy of the pixels of an image, or of a part of it. Unless it was made to read only, disposing it puts the pixels back
-/// into the image.
+/// A copy of the pixels of an image, or of a part of it. Unless it was made to read only, disposing it puts
+/// the pixels back into the image.
 /// </summary>
 public sealed class PixelMapping : IDisposable
 {
@@ -31,7 +31,9 @@ public sealed class PixelMapping : IDisposable
     /// <summary>The bytes of the pixels.</summary>
     public byte[] Data { get; }
 
-    /// <summary>Puts the pixels back into the image, once, if the mapping was not made to read only.</summary>
+    /// <summary>
+    /// Puts the pixels back into the image, once, if the mapping was not made to read only.
+    /// </summary>
     public void Dispose()
     {
         Action<PixelMapping>? writeBack = _writeBack;

@@ -37,5 +37,6 @@ internal readonly record struct PixelRows(byte[] Data, int Stride, int X, int Y,
         }
     }
 
-    private Span<byte> Row(int row, int width, int size) => Data.AsSpan((Y + row) * Stride + X * size, width * size);
+    private Span<byte> Row(int row, int width, int size) =>
+        Data.AsSpan((Y + row) * Stride + X * size, width * size);
 }

@@ -6,8 +6,8 @@ using System.IO.Compression;
 namespace Velbor.Voxlar.Render;
 
 /// <summary>
-/// PNG images. All colour types are read with 1 to 16 bits, also interlaced ones, into 8 bits a component; they are written
-/// with 8 bits as grey, RGB or RGBA.
+/// PNG images. All colour types are read with 1 to 16 bits, also interlaced ones, into 8 bits a component;
+/// they are written with 8 bits as grey, RGB or RGBA.
 /// </summary>
 internal sealed class PngCodec : ITextureCodec, ITextureDecoder, ITextureEncoder
 {
@@ -39,9 +39,9 @@ internal sealed class PngCodec : ITextureCodec, ITextureDecoder, ITextureEncoder
         (PixelFormat format, byte colorType, int size) = texture.PixelFormat switch
         {
             PixelFormat.L8 or PixelFormat.L16 => (PixelFormat.L8, (byte)0, 1),
-            PixelFormat.R8G8B8 or PixelFormat.B8G8R8 or PixelFormat.X8R8G8B8 or PixelFormat.X8B8G8R8 or PixelFormat.R5G6B5
-                or PixelFormat.B5G6R5 or PixelFormat.R3G3B2 or PixelFormat.R8 or PixelFormat.G8 or PixelFormat.B8
-                or PixelFormat.ShortRGB => (PixelFormat.R8G8B8, (byte)2, 3),
+            PixelFormat.R8G8B8 or PixelFormat.B8G8R8 or PixelFormat.X8R8G8B8 or PixelFormat.X8B8G8R8
+                or PixelFormat.R5G6B5 or PixelFormat.B5G6R5 or PixelFormat.R3G3B2 or PixelFormat.ShortRGB
+                or PixelFormat.R8 or PixelFormat.G8 or PixelFormat.B8 => (PixelFormat.R8G8B8, (byte)2, 3),
             _ => (PixelFormat.R8G8B8A8, (byte)6, 4),
         };
         using PixelMapping pixels = texture.MapPixels(PixelMapMode.ReadOnly, format);
@@ -82,7 +82,8 @@ internal sealed class PngCodec : ITextureCodec, ITextureDecoder, ITextureEncoder
         for (int i = 0; i < 4; ++i)
             chunk[4 + i] = (byte)type[i];
         data.CopyTo(chunk, 8);
-        BinaryPrimitives.WriteUInt32BigEndian(chunk.AsSpan(8 + data.Length), Crc(chunk.AsSpan(4, 4 + data.Length)));
+        BinaryPrimitives.WriteUInt32BigEndian(chunk.AsSpan(8 + data.Length),
+            Crc(chunk.AsSpan(4, 4 + data.Length)));
         stream.Write(chunk);
     }
 

@@ -47,7 +47,8 @@ internal sealed class PngReader(Stream stream)
             return texture;
         }
         ReadOnlySpan<(int X, int Y, int StepX, int StepY)> passes =
-            [(0, 0, 8, 8), (4, 0, 8, 8), (0, 4, 4, 8), (2, 0, 4, 4), (0, 2, 2, 4), (1, 0, 2, 2), (0, 1, 1, 2)];
+            [(0, 0, 8, 8), (4, 0, 8, 8), (0, 4, 4, 8), (2, 0, 4, 4), (0, 2, 2, 4), (1, 0, 2, 2),
+                (0, 1, 1, 2)];
         foreach ((int x, int y, int stepX, int stepY) in passes)
             ReadPass(zlib, texture, x, y, stepX, stepY, reverseY);
         return texture;
@@ -106,14 +107,15 @@ internal sealed class PngReader(Stream stream)
             Rgb or GreyAlpha or Rgba => _depth is 8 or 16,
             _ => false,
         };
-        if (_width <= 0 || _height <= 0 || (long)_width * _height > MaximumPixels || !depthFits || data[10] != 0
-            || data[11] != 0 || data[12] > 1)
+        if (_width <= 0 || _height <= 0 || (long)_width * _height > MaximumPixels || !depthFits
+            || data[10] != 0 || data[11] != 0 || data[12] > 1)
         {
             throw Damaged("its header has values that do not go together");
         }
     }
 
-    private void ReadPass(Stream packed, TextureData texture, int x, int y, int stepX, int stepY, bool reverseY)
+    private void ReadPass(Stream packed, TextureData texture, int x, int y, int stepX, int stepY,
+        bool reverseY)
     {
         int columns = (_width - x + stepX - 1) / stepX;
         int rows = (_height - y + stepY - 1) / stepY;
@@ -213,7 +215,10 @@ internal sealed class PngReader(Stream stream)
         if (colors == 1)
             pixel[1] = pixel[2] = pixel[0];
         if (pixel.Length == 4)
-            pixel[3] = channels is 2 or 4 ? To8Bits(Sample(row, column, channels - 1)) : see ? (byte)0 : byte.MaxValue;
+        {
+            byte mask = see ? (byte)0 : byte.MaxValue;
+            pixel[3] = channels is 2 or 4 ? To8Bits(Sample(row, column, channels - 1)) : mask;
+        }
     }
 
     private int Sample(byte[] row, int column, int channel)

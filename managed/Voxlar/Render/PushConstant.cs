@@ -4,7 +4,10 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Render;
 
-/// <summary>Gathers small values for a shader, in little-endian order and without gaps, and hands them to a command list.</summary>
+/// <summary>
+/// Gathers small values for a shader, in little-endian order and without gaps, and hands them to a command
+/// list.
+/// </summary>
 public class PushConstant
 {
     private byte[] _data = new byte[128];

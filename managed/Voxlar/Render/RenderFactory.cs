@@ -14,7 +14,8 @@ public abstract class RenderFactory
     /// <param name="targets">The number of textures of colour.</param>
     /// <param name="width">The width in texels.</param>
     /// <param name="height">The height in texels.</param>
-    public abstract IRenderTexture CreateRenderTexture(RenderParameters parameters, int targets, int width, int height);
+    public abstract IRenderTexture CreateRenderTexture(RenderParameters parameters, int targets, int width,
+        int height);
 
     /// <summary>Makes a texture that can be drawn on.</summary>
     /// <param name="parameters">The bits of colour, depth and stencil.</param>
@@ -37,7 +38,8 @@ public abstract class RenderFactory
     /// <param name="parameters">The bits of colour, depth and stencil.</param>
     /// <param name="width">The width of a face in texels.</param>
     /// <param name="height">The height of a face in texels.</param>
-    public abstract IRenderTexture CreateCubeRenderTexture(RenderParameters parameters, int width, int height);
+    public abstract IRenderTexture CreateCubeRenderTexture(RenderParameters parameters, int width,
+        int height);
 
     /// <summary>Makes a target that draws in a window.</summary>
     /// <param name="parameters">The bits of colour, depth and stencil.</param>
@@ -61,7 +63,8 @@ public abstract class RenderFactory
     /// <param name="vertexDeclaration">The fields of the vertices.</param>
     /// <param name="drawOperation">How vertices are assembled.</param>
     public abstract IPipeline CreatePipeline(
-        ShaderProgram shader, RenderState renderState, VertexDeclaration vertexDeclaration, DrawOperation drawOperation);
+        ShaderProgram shader, RenderState renderState, VertexDeclaration vertexDeclaration,
+        DrawOperation drawOperation);
 
     /// <summary>Makes a buffer of uniform values.</summary>
     /// <param name="size">Its size in bytes.</param>

@@ -80,7 +80,9 @@ public class RenderState : IDisposable, IComparable<RenderState>
         return order;
     }
 
-    /// <summary>Frees what a device keeps for the state; a state that is on no device has nothing to free.</summary>
+    /// <summary>
+    /// Frees what a device keeps for the state; a state that is on no device has nothing to free.
+    /// </summary>
     public void Dispose()
     {
         GC.SuppressFinalize(this);

@@ -6,8 +6,8 @@ using Velbor.Voxlar.Shading;
 namespace Velbor.Voxlar.Render;
 
 /// <summary>
-/// Draws scenes on a device. This build drives no device, so <see cref="CreateRenderer"/> refuses; the class is the frame that
-/// a driver fills.
+/// Draws scenes on a device. This build drives no device, so <see cref="CreateRenderer"/> refuses; the class
+/// is the frame that a driver fills.
 /// </summary>
 public abstract class Renderer : IDisposable
 {

@@ -19,5 +19,6 @@ public class StencilState
     /// <summary>What happens when both tests pass.</summary>
     public StencilAction PassAction { get; set; }
 
-    internal (int, int, int, int) OrderKey => ((int)Compare, (int)FailAction, (int)DepthFailAction, (int)PassAction);
+    internal (int, int, int, int) OrderKey =>
+        ((int)Compare, (int)FailAction, (int)DepthFailAction, (int)PassAction);
 }

@@ -5,15 +5,20 @@ using System.Linq;
 
 namespace Velbor.Voxlar.Render;
 
-/// <summary>The image formats that can be read and written. Codecs may be registered from any thread.</summary>
+/// <summary>
+/// The image formats that can be read and written. Codecs may be registered from any thread.
+/// </summary>
 public class TextureCodec
 {
     private static readonly object Gate = new();
 
-    // Replaced as a whole on registration, so that readers need no lock. The codec registered last is asked first.
+    // Replaced as a whole on registration, so that readers need no lock. The codec registered last is asked
+    // first.
     private static IReadOnlyList<ITextureCodec> _codecs = [new PngCodec(), new BmpCodec()];
 
-    /// <summary>Gives the extensions of the formats that can be written, in lower case and without a dot.</summary>
+    /// <summary>
+    /// Gives the extensions of the formats that can be written, in lower case and without a dot.
+    /// </summary>
     public static string[] GetSupportedEncoderFormats() =>
         Encoders().Select(encoder => Normalized(encoder.FileExtension)).Distinct().ToArray();
 
@@ -61,7 +66,8 @@ public class TextureCodec
         throw new NotSupportedException("The stream does not hold an image of a known format.");
     }
 
-    private static IEnumerable<ITextureEncoder> Encoders() => _codecs.SelectMany(codec => codec.GetEncoders());
+    private static IEnumerable<ITextureEncoder> Encoders() =>
+        _codecs.SelectMany(codec => codec.GetEncoders());
 
     private static string Normalized(string extension) => extension.TrimStart('.').ToLowerInvariant();
 }

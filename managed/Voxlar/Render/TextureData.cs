@@ -14,8 +14,11 @@ public class TextureData
     /// <param name="bytesPerPixel">The size of a pixel in bytes; 0 for a compressed format.</param>
     /// <param name="pixelFormat">The layout of a pixel.</param>
     /// <param name="data">The bytes.</param>
-    /// <exception cref="ArgumentException">The values do not fit each other, or there are too few bytes.</exception>
-    public TextureData(int width, int height, int stride, int bytesPerPixel, PixelFormat pixelFormat, byte[] data)
+    /// <exception cref="ArgumentException">
+    /// The values do not fit each other, or there are too few bytes.
+    /// </exception>
+    public TextureData(int width, int height, int stride, int bytesPerPixel, PixelFormat pixelFormat,
+        byte[] data)
     {
         ArgumentOutOfRangeException.ThrowIfNegative(width);
         ArgumentOutOfRangeException.ThrowIfNegative(height);
@@ -24,18 +27,23 @@ public class TextureData
         if (pixelFormat != PixelFormat.Unknown && bytesPerPixel != known)
         {
             throw new ArgumentException(
-                $"A pixel of the format {pixelFormat} has {known} bytes, not {bytesPerPixel}.", nameof(bytesPerPixel));
+                $"A pixel of the format {pixelFormat} has {known} bytes, not {bytesPerPixel}.",
+                nameof(bytesPerPixel));
         }
         (long rowBytes, long rows) = RowsOf(width, height, bytesPerPixel, pixelFormat);
         if (stride < rowBytes)
-            throw new ArgumentException($"A row has {rowBytes} bytes, more than the stride of {stride}.", nameof(stride));
+            throw new ArgumentException($"A row has {rowBytes} bytes, more than the stride of {stride}.",
+                nameof(stride));
         long needed = rows == 0 ? 0 : stride * (rows - 1) + rowBytes;
         if (data.Length < needed)
-            throw new ArgumentException($"The image needs {needed} bytes, but there are {data.Length}.", nameof(data));
+            throw new ArgumentException($"The image needs {needed} bytes, but there are {data.Length}.",
+                nameof(data));
         Set(width, height, stride, bytesPerPixel, pixelFormat, data);
     }
 
-    /// <summary>Makes an image whose bytes are all 0, with rows that follow each other without gaps.</summary>
+    /// <summary>
+    /// Makes an image whose bytes are all 0, with rows that follow each other without gaps.
+    /// </summary>
     /// <param name="width">The number of pixels in a row.</param>
     /// <param name="height">The number of rows.</param>
     /// <param name="pixelFormat">The layout of a pixel.</param>
@@ -69,7 +77,10 @@ public class TextureData
     /// <summary>The number of rows.</summary>
     public int Height { get; private set; }
 
-    /// <summary>The number of bytes from one row to the next; from one row of blocks to the next in compressed formats.</summary>
+    /// <summary>
+    /// The number of bytes from one row to the next; from one row of blocks to the next in compressed
+    /// formats.
+    /// </summary>
     public int Stride { get; private set; }
 
     /// <summary>The size of a pixel in bytes; 0 for compressed formats.</summary>
@@ -107,7 +118,9 @@ public class TextureData
         Save(fileName, Path.GetExtension(fileName));
     }
 
-    /// <summary>Writes the image to a file. Nothing is left of an earlier file only when there is an encoder.</summary>
+    /// <summary>
+    /// Writes the image to a file. Nothing is left of an earlier file only when there is an encoder.
+    /// </summary>
     /// <param name="fileName">The name of the file.</param>
     /// <param name="format">The extension of the image format, such as "png".</param>
     /// <exception cref="NotSupportedException">There is no encoder for the format.</exception>
@@ -131,7 +144,9 @@ public class TextureData
 
     /// <summary>Maps the pixels of a rectangle.</summary>
     /// <param name="rect">The rectangle, within the image.</param>
-    /// <param name="mapMode">What the pixels are used for. Pixels that are mapped to write only are 0 at first.</param>
+    /// <param name="mapMode">
+    /// What the pixels are used for. Pixels that are mapped to write only are 0 at first.
+    /// </param>
     /// <param name="format">The format the mapped pixels have.</param>
     /// <exception cref="ArgumentOutOfRangeException">The rectangle does not lie within the image.</exception>
     /// <exception cref="NotSupportedException">The formats cannot be converted into each other.</exception>
@@ -140,7 +155,8 @@ public class TextureData
         long right = (long)rect.x + rect.Width;
         long bottom = (long)rect.y + rect.Height;
         if (rect.x < 0 || rect.y < 0 || rect.Width < 0 || rect.Height < 0 || right > Width || bottom > Height)
-            throw new ArgumentOutOfRangeException(nameof(rect), "The rectangle does not lie within the image.");
+            throw new ArgumentOutOfRangeException(nameof(rect),
+                "The rectangle does not lie within the image.");
         PixelRows own = new(Data, Stride, rect.x, rect.y, PixelFormat);
         TextureData copy = new(rect.Width, rect.Height, format);
         PixelRows mapped = new(copy.Data, copy.Stride, 0, 0, format);
@@ -167,13 +183,16 @@ public class TextureData
         Set(Width, Height, target.Stride, target.BytesPerPixel, pixelFormat, target.Data);
     }
 
-    private static (long RowBytes, long Rows) RowsOf(int width, int height, int bytesPerPixel, PixelFormat format)
+    private static (long RowBytes, long Rows) RowsOf(int width, int height, int bytesPerPixel,
+        PixelFormat format)
     {
         int block = PixelLayout.BytesPerBlock(format);
-        return block == 0 ? ((long)width * bytesPerPixel, height) : ((width + 3L) / 4 * block, (height + 3L) / 4);
+        return block == 0 ? ((long)width * bytesPerPixel, height)
+            : ((width + 3L) / 4 * block, (height + 3L) / 4);
     }
 
-    private void Set(int width, int height, int stride, int bytesPerPixel, PixelFormat pixelFormat, byte[] data)
+    private void Set(int width, int height, int stride, int bytesPerPixel, PixelFormat pixelFormat,
+        byte[] data)
     {
         Width = width;
         Height = height;

@@ -24,7 +24,9 @@ public class LambertMaterial : Material
     /// <summary>The share of ambient light sent back; black at first.</summary>
     public Vector3 AmbientColor { get; set; }
 
-    /// <summary>The share of direct light sent back in all directions; 0.8 in each component at first.</summary>
+    /// <summary>
+    /// The share of direct light sent back in all directions; 0.8 in each component at first.
+    /// </summary>
     public Vector3 DiffuseColor { get; set; } = new(0.8, 0.8, 0.8);
 
     /// <summary>The colour of the light let through; black at first.</summary>

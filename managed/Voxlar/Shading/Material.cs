@@ -5,8 +5,8 @@ using System.Collections.Generic;
 namespace Velbor.Voxlar.Shading;
 
 /// <summary>
-/// The look of a surface. A material holds textures by slot name; enumerating it gives its slots in the order in which they
-/// were first set.
+/// The look of a surface. A material holds textures by slot name; enumerating it gives its slots in the order
+/// in which they were first set.
 /// </summary>
 public abstract class Material : VbrObject, IEnumerable<TextureSlot>
 {

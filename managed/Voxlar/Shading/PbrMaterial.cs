@@ -4,8 +4,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Shading;
 
 /// <summary>
-/// A physically based material of the metallic and roughness kind. Its textures are slots as well and appear when the
-/// material is enumerated.
+/// A physically based material of the metallic and roughness kind. Its textures are slots as well and appear
+/// when the material is enumerated.
 /// </summary>
 public class PbrMaterial : Material
 {
@@ -88,13 +88,15 @@ public class PbrMaterial : Material
     public Vector3 EmissiveColor { get; set; }
 
     /// <summary>
-    /// Makes the physically based material closest to another one. Highlights of a Phong material become roughness by the
-    /// usual relation of the exponent, the square root of 2 / (shininess + 2).
+    /// Makes the physically based material closest to another one. Highlights of a Phong material become
+    /// roughness by the usual relation of the exponent, the square root of 2 / (shininess + 2).
     /// </summary>
     /// <param name="material">A Lambert, Phong or physically based material.</param>
     /// <returns>A new material with the name and the textures of the source.</returns>
     /// <exception cref="ArgumentNullException">The material is null.</exception>
-    /// <exception cref="NotSupportedException">The material is of another kind, such as a shader material.</exception>
+    /// <exception cref="NotSupportedException">
+    /// The material is of another kind, such as a shader material.
+    /// </exception>
     public static PbrMaterial FromMaterial(Material material)
     {
         ArgumentNullException.ThrowIfNull(material);

@@ -3,7 +3,9 @@ using System.Collections.Generic;
 
 namespace Velbor.Voxlar.Shading;
 
-/// <summary>One way to draw a shader material: a shader program and what its parameters are bound to.</summary>
+/// <summary>
+/// One way to draw a shader material: a shader program and what its parameters are bound to.
+/// </summary>
 public class ShaderTechnique
 {
     private readonly Dictionary<string, string> _bindings = new();
@@ -32,10 +34,14 @@ public class ShaderTechnique
     /// <summary>The version of the rendering interface.</summary>
     public string? RenderAPIVersion { get; set; }
 
-    /// <summary>What each shader parameter is bound to: the name of a dynamic property by the parameter's name.</summary>
+    /// <summary>
+    /// What each shader parameter is bound to: the name of a dynamic property by the parameter's name.
+    /// </summary>
     internal IReadOnlyDictionary<string, string> Bindings => _bindings;
 
-    /// <summary>Binds a dynamic property of the material to a parameter of the shader, in place of an earlier one.</summary>
+    /// <summary>
+    /// Binds a dynamic property of the material to a parameter of the shader, in place of an earlier one.
+    /// </summary>
     /// <param name="property">The name of the dynamic property.</param>
     /// <param name="shaderParameter">The name of the shader's parameter.</param>
     public void AddBinding(string property, string shaderParameter)

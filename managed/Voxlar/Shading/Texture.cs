@@ -16,7 +16,9 @@ public class Texture : TextureBase
     {
     }
 
-    /// <summary>Whether smaller copies of the image are made for drawing at a distance; true at first.</summary>
+    /// <summary>
+    /// Whether smaller copies of the image are made for drawing at a distance; true at first.
+    /// </summary>
     public bool EnableMipMap { get; set; } = true;
 
     /// <summary>The bytes of the image file, when the image is held in the scene.</summary>

@@ -8,7 +8,8 @@ namespace Velbor.Voxlar.Tests.Animation;
 
 public class AnimationTests
 {
-    private static KeyframeSequence Sequence(Interpolation interpolation, params (double Time, float Value)[] keys)
+    private static KeyframeSequence Sequence(Interpolation interpolation,
+        params (double Time, float Value)[] keys)
     {
         KeyframeSequence sequence = new("s");
         foreach ((double time, float value) in keys)

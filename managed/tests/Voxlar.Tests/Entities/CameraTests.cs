@@ -27,7 +27,8 @@ public class CameraTests
         Action[] changes =
         [
             () => camera.AspectRatio = 2, () => camera.FieldOfViewX = 80, () => camera.FieldOfViewY = 30,
-            () => camera.Width = 3, () => camera.Height = 1.5, () => camera.FieldOfView = 60, () => camera.Aspect = 0.5,
+            () => camera.Width = 3, () => camera.Height = 1.5, () => camera.FieldOfView = 60,
+            () => camera.Aspect = 0.5,
         ];
         foreach (Action change in changes)
         {

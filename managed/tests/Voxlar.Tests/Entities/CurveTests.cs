@@ -177,7 +177,8 @@ public class CurveTests
         surface.V.Order = 2;
         surface.V.Count = 2;
         double w = Math.Sqrt(0.5);
-        (int X, int Y)[] square = [(1, 0), (1, 1), (0, 1), (-1, 1), (-1, 0), (-1, -1), (0, -1), (1, -1), (1, 0)];
+        (int X, int Y)[] square =
+            [(1, 0), (1, 1), (0, 1), (-1, 1), (-1, 0), (-1, -1), (0, -1), (1, -1), (1, 0)];
         for (int z = 0; z < 2; z++)
         {
             for (int i = 0; i < 9; i++)

@@ -18,7 +18,8 @@ internal static class MeshMeasure
         {
             for (int k = 1; k + 1 < polygon.Length; k++)
             {
-                sum += Point(mesh, polygon[0]).Dot(Point(mesh, polygon[k]).Cross(Point(mesh, polygon[k + 1])));
+                sum += Point(mesh, polygon[0]).Dot(
+                    Point(mesh, polygon[k]).Cross(Point(mesh, polygon[k + 1])));
             }
         }
         return sum / 6;
@@ -43,7 +44,9 @@ internal static class MeshMeasure
         return sum;
     }
 
-    /// <summary>The number of points, less that of edges, plus that of polygons; only points in use count.</summary>
+    /// <summary>
+    /// The number of points, less that of edges, plus that of polygons; only points in use count.
+    /// </summary>
     public static int Euler(Mesh mesh)
     {
         HashSet<int> points = new();
@@ -52,7 +55,9 @@ internal static class MeshMeasure
         return points.Count - mesh.Edges.Count / 2 + mesh.PolygonCount;
     }
 
-    /// <summary>Every edge is run through once in either direction, and no control point is without a polygon.</summary>
+    /// <summary>
+    /// Every edge is run through once in either direction, and no control point is without a polygon.
+    /// </summary>
     public static void AssertClosed(Mesh mesh)
     {
         HashSet<(int, int)> seen = new();
@@ -72,12 +77,13 @@ internal static class MeshMeasure
     }
 
     /// <summary>
-    /// The normals are of length 1 and on the side from which the polygon runs counter-clockwise, and every corner has texture
-    /// coordinates.
+    /// The normals are of length 1 and on the side from which the polygon runs counter-clockwise, and every
+    /// corner has texture coordinates.
     /// </summary>
     public static void AssertCornerValues(Mesh mesh, double minimumCosine)
     {
-        VertexElementNormal normals = Assert.IsType<VertexElementNormal>(mesh.GetElement(VertexElementType.Normal));
+        VertexElementNormal normals =
+            Assert.IsType<VertexElementNormal>(mesh.GetElement(VertexElementType.Normal));
         VertexElementUV uv = Assert.IsType<VertexElementUV>(mesh.GetElement(VertexElementType.UV));
         Assert.Equal(MappingMode.PolygonVertex, normals.MappingMode);
         Assert.Equal(ReferenceMode.IndexToDirect, normals.ReferenceMode);

@@ -225,7 +225,8 @@ public class MeshTests
 
         PointCloud dense = PointCloud.FromGeometry(mesh, 500);
         Assert.InRange(dense.ControlPoints.Count, 999, 1001);
-        Assert.All(dense.ControlPoints, p => Assert.True(p.x >= 0 && p.x <= 2 && p.y >= 0 && p.y <= 1 && p.z == 0));
+        Assert.All(dense.ControlPoints, p =>
+            Assert.True(p.x >= 0 && p.x <= 2 && p.y >= 0 && p.y <= 1 && p.z == 0));
         Assert.InRange(dense.ControlPoints.Count(p => p.x < 1), 490, 510);
         Assert.InRange(dense.ControlPoints.Count(p => p.y < 0.5), 480, 520);
     }

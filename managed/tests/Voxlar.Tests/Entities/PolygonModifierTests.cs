@@ -46,7 +46,8 @@ public class PolygonModifierTests
         int[][] triangles = PolygonModifier.Triangulate(Arrow);
         Assert.Equal(2, triangles.Length);
         Assert.All(triangles, t => Assert.True(t.Contains(1) && t.Contains(3)));
-        Close.To(Area(Arrow, [[0, 1, 2, 3]], Vector3.ZAxis), triangles.Sum(t => Area(Arrow, [t], Vector3.ZAxis)));
+        Close.To(Area(Arrow, [[0, 1, 2, 3]], Vector3.ZAxis),
+            triangles.Sum(t => Area(Arrow, [t], Vector3.ZAxis)));
     }
 
     [Theory]
@@ -59,7 +60,8 @@ public class PolygonModifierTests
         for (int round = 0; round < 20; round++)
         {
             Vector4[] points = Star(random, corners);
-            Matrix4 turn = Matrix4.RotateFromEuler(random.NextDouble() * 6, random.NextDouble() * 6, random.NextDouble() * 6);
+            Matrix4 turn = Matrix4.RotateFromEuler(random.NextDouble() * 6, random.NextDouble() * 6,
+                random.NextDouble() * 6);
             Vector3 normal = Vector3.ZAxis * turn;
             for (int i = 0; i < corners; i++)
                 points[i] = new Vector4(new Vector3(points[i]) * turn, 1);
@@ -75,11 +77,13 @@ public class PolygonModifierTests
     [Fact]
     public void PolygonsWithStraightAndRepeatedCornersAreCut()
     {
-        Vector4[] points = [new(0, 0, 0), new(1, 0, 0), new(2, 0, 0), new(2, 2, 0), new(0, 2, 0), new(0, 1, 0)];
+        Vector4[] points = [new(0, 0, 0), new(1, 0, 0), new(2, 0, 0), new(2, 2, 0), new(0, 2, 0),
+            new(0, 1, 0)];
         int[][] triangles = PolygonModifier.Triangulate(points);
         Assert.Equal(4, triangles.Length);
         Close.To(4, Area(points, triangles, Vector3.ZAxis));
-        Assert.Equal(2, PolygonModifier.Triangulate([new(0, 0, 0), new(0, 0, 0), new(0, 0, 0), new(0, 0, 0)]).Length);
+        Assert.Equal(2, PolygonModifier.Triangulate(
+            [new(0, 0, 0), new(0, 0, 0), new(0, 0, 0), new(0, 0, 0)]).Length);
         Assert.Empty(PolygonModifier.Triangulate([new(0, 0, 0), new(1, 0, 0)]));
     }
 
@@ -99,9 +103,11 @@ public class PolygonModifierTests
     public void TriangulatedMeshKeepsItsElements()
     {
         Mesh box = new Box("b", 2, 2, 2, 1, 2, 3).ToMesh();
-        VertexElementPolygonGroup groups = (VertexElementPolygonGroup)box.CreateElement(VertexElementType.PolygonGroup);
+        VertexElementPolygonGroup groups =
+            (VertexElementPolygonGroup)box.CreateElement(VertexElementType.PolygonGroup);
         groups.SetData(Enumerable.Range(0, box.PolygonCount).ToArray());
-        VertexElementEdgeCrease creases = (VertexElementEdgeCrease)box.CreateElement(VertexElementType.EdgeCrease);
+        VertexElementEdgeCrease creases =
+            (VertexElementEdgeCrease)box.CreateElement(VertexElementType.EdgeCrease);
         creases.SetData(Enumerable.Repeat(0.5, box.Edges.Count / 2).ToArray());
         int polygons = box.PolygonCount;
         Mesh mesh = PolygonModifier.Triangulate(box);
@@ -113,7 +119,8 @@ public class PolygonModifierTests
         Close.To(8, MeshMeasure.Volume(mesh));
         IList<int> data = ((VertexElementPolygonGroup)mesh.GetElement(VertexElementType.PolygonGroup)!).Data;
         Assert.Equal(Enumerable.Range(0, 2 * polygons).Select(i => i / 2), data);
-        List<double> carried = ((VertexElementEdgeCrease)mesh.GetElement(VertexElementType.EdgeCrease)!).DataList;
+        List<double> carried =
+            ((VertexElementEdgeCrease)mesh.GetElement(VertexElementType.EdgeCrease)!).DataList;
         Assert.Equal(mesh.Edges.Count / 2, carried.Count);
         Assert.Equal(box.Edges.Count / 2, carried.Count(c => c == 0.5));
     }
@@ -265,7 +272,8 @@ public class PolygonModifierTests
     public void SmoothingGroupsKeepEdgesSharp()
     {
         Mesh box = new Box(2, 2, 2).ToMesh();
-        VertexElementSmoothingGroup groups = (VertexElementSmoothingGroup)box.CreateElement(VertexElementType.SmoothingGroup);
+        VertexElementSmoothingGroup groups =
+            (VertexElementSmoothingGroup)box.CreateElement(VertexElementType.SmoothingGroup);
         groups.SetData([1, 2, 4, 8, 16, 0]);
         VertexElementNormal flat = PolygonModifier.GenerateNormal(box);
         Assert.Equal(MappingMode.PolygonVertex, flat.MappingMode);
@@ -281,7 +289,8 @@ public class PolygonModifierTests
         Assert.Equal(24, uv.Data.Count);
         for (int i = 0; i < 24; i += 4)
         {
-            // Each side is laid out over the whole square, as seen from outside: its corners run counter-clockwise.
+            // Each side is laid out over the whole square, as seen from outside: its corners run
+            // counter-clockwise.
             double area = 0;
             for (int k = 0; k < 4; k++)
             {
@@ -301,7 +310,8 @@ public class PolygonModifierTests
         PolygonModifier.BuildTangentBinormal(plane);
         PolygonModifier.BuildTangentBinormal(plane);
         VertexElementTangent tangents = (VertexElementTangent)plane.GetElement(VertexElementType.Tangent)!;
-        VertexElementBinormal binormals = (VertexElementBinormal)plane.GetElement(VertexElementType.Binormal)!;
+        VertexElementBinormal binormals =
+            (VertexElementBinormal)plane.GetElement(VertexElementType.Binormal)!;
         Assert.Equal(4, plane.VertexElements.Count);
         Assert.All(tangents.Data, t => Close.To(0, (t - new Vector4(1, 0, 0, 1)).z));
         Assert.All(tangents.Data, t => Assert.Equal(new Vector4(1, 0, 0, 1), t));

@@ -10,7 +10,9 @@ public class PrimitiveTests
 {
     private const double Turn = 2 * Math.PI;
 
-    /// <summary>Closed bodies: the body, its Euler characteristic, the exact volume, and how much the mesh may lack.</summary>
+    /// <summary>
+    /// Closed bodies: the body, its Euler characteristic, the exact volume, and how much the mesh may lack.
+    /// </summary>
     public static TheoryData<string, int, double, double> ClosedBodies => new()
     {
         { "box", 2, 24, 1e-12 },
@@ -45,9 +47,11 @@ public class PrimitiveTests
         "cone" => new Cylinder(0, 2, 3, 64, 3, false),
         "inverted cone" => new Cylinder(2, 0, 3, 64, 3, false),
         "frustum of a cone" => new Cylinder(1, 2, 3, 64, 4, false),
-        "sheared cylinder" => new Cylinder(2, 2, 3, 64, 2, false) { ShearTop = new(0.3, -0.2), ShearBottom = new(0.1, 0.2) },
+        "sheared cylinder" =>
+            new Cylinder(2, 2, 3, 64, 2, false) { ShearTop = new(0.3, -0.2), ShearBottom = new(0.1, 0.2) },
         "moved cylinder" => new Cylinder(2, 2, 3, 64, 2, false) { OffsetTop = new(0.5, 1, 0.25) },
-        "slice of a cylinder" => new Cylinder("s", 2, 2, 3, 32, 2, false, 1, Turn / 4) { GenerateFanCylinder = true },
+        "slice of a cylinder" =>
+            new Cylinder("s", 2, 2, 3, 32, 2, false, 1, Turn / 4) { GenerateFanCylinder = true },
         "dish" => new Dish("d", 2, 1, 64, 24),
         "pyramid" => new Pyramid(4, 3, 2),
         "frustum of a pyramid" => new Pyramid(4, 4, 2, 2, 3),
@@ -56,7 +60,8 @@ public class PrimitiveTests
         "part of a torus" => new Torus("t", 3, 1, 48, 48, Turn / 2),
         "backward part of a torus" => new Torus("t", 3, 1, 48, 48, -Turn / 2),
         "rectangular torus" => new RectangularTorus { RadialSegments = 64 },
-        "part of a rectangular torus" => new RectangularTorus { RadialSegments = 32, AngleStart = 0.7, Arc = Turn / 4 },
+        "part of a rectangular torus" =>
+            new RectangularTorus { RadialSegments = 32, AngleStart = 0.7, Arc = Turn / 4 },
         _ => throw new ArgumentException(which),
     };
 

@@ -165,8 +165,10 @@ public class SolidTests
             () => new LinearExtrusion(new CircleShape(), 1) { Direction = Vector3.XAxis }.ToMesh());
         Assert.Throws<InvalidOperationException>(
             () => new RevolvedAreaSolid { Shape = new CircleShape(), AngleEnd = 0 }.ToMesh());
-        Assert.Throws<InvalidOperationException>(() => new SweptAreaSolid { Shape = new CircleShape() }.ToMesh());
-        Assert.Throws<NotSupportedException>(() => new LinearExtrusion(new Text { Content = "a" }, 1).ToMesh());
+        Assert.Throws<InvalidOperationException>(() =>
+            new SweptAreaSolid { Shape = new CircleShape() }.ToMesh());
+        Assert.Throws<NotSupportedException>(() =>
+            new LinearExtrusion(new Text { Content = "a" }, 1).ToMesh());
         Assert.Equal(BoundingBoxExtent.Null, new LinearExtrusion().GetBoundingBox().Extent);
     }
 }

@@ -54,8 +54,10 @@ public class TriMeshTests
     public void FieldsWithoutAnElementAreZero()
     {
         VertexDeclaration declaration = Positions();
-        VertexField color = declaration.AddField(VertexFieldDataType.FVector4, VertexFieldSemantic.VertexColor, 0, "c");
-        VertexField second = declaration.AddField(VertexFieldDataType.FVector2, VertexFieldSemantic.UV, 1, "");
+        VertexField color = declaration.AddField(VertexFieldDataType.FVector4,
+            VertexFieldSemantic.VertexColor, 0, "c");
+        VertexField second = declaration.AddField(VertexFieldDataType.FVector2, VertexFieldSemantic.UV, 1,
+            "");
         TriMesh mesh = TriMesh.FromMesh(declaration, new Box().ToMesh());
         Assert.Equal(8, mesh.VerticesCount);
         Assert.Equal(default, mesh.ReadVector4(3, color));
@@ -95,8 +97,10 @@ public class TriMeshTests
     {
         VertexDeclaration declaration = Positions();
         Assert.Throws<ArgumentException>(() => TriMesh.FromRawData(declaration, new byte[13], [], false));
-        Assert.Throws<ArgumentException>(() => TriMesh.FromRawData(declaration, new byte[24], [0, 1, 2], false));
-        Assert.Throws<ArgumentException>(() => TriMesh.FromRawData(declaration, new byte[36], [0, 1, -1], false));
+        Assert.Throws<ArgumentException>(() =>
+            TriMesh.FromRawData(declaration, new byte[24], [0, 1, 2], false));
+        Assert.Throws<ArgumentException>(() =>
+            TriMesh.FromRawData(declaration, new byte[36], [0, 1, -1], false));
         Assert.Throws<ArgumentException>(() => TriMesh.FromRawData(declaration, new byte[36], [0, 1], false));
         Assert.Throws<ArgumentException>(() => new TriMesh("t", new VertexDeclaration()));
         TriMesh mesh = TriMesh.FromRawData(declaration, new byte[36], [0, 1, 2], false);
@@ -141,8 +145,10 @@ public class TriMeshTests
     {
         TriMesh mesh = TriMesh.FromMesh(new Box().ToMesh(), false);
         VertexDeclaration declaration = new();
-        VertexField color = declaration.AddField(VertexFieldDataType.ByteVector4, VertexFieldSemantic.VertexColor, 0, "");
-        VertexField normal = declaration.AddField(VertexFieldDataType.FVector3, VertexFieldSemantic.Normal, 0, "");
+        VertexField color = declaration.AddField(VertexFieldDataType.ByteVector4,
+            VertexFieldSemantic.VertexColor, 0, "");
+        VertexField normal = declaration.AddField(VertexFieldDataType.FVector3, VertexFieldSemantic.Normal, 0,
+            "");
         TriMesh copy = TriMesh.CopyFrom(mesh, declaration);
         Assert.Equal(mesh.VerticesCount, copy.VerticesCount);
         Assert.Equal(mesh.IndicesCount, copy.IndicesCount);

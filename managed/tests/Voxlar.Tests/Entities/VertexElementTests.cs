@@ -42,7 +42,8 @@ public class VertexElementTests
     {
         Mesh mesh = new();
         VertexElementUV diffuse = mesh.CreateElementUV(TextureMapping.Diffuse);
-        VertexElementUV bump = mesh.CreateElementUV(TextureMapping.Bump, MappingMode.AllSame, ReferenceMode.Direct);
+        VertexElementUV bump =
+            mesh.CreateElementUV(TextureMapping.Bump, MappingMode.AllSame, ReferenceMode.Direct);
         Assert.Same(bump, mesh.GetVertexElementOfUV(TextureMapping.Bump));
         Assert.Same(diffuse, mesh.GetElement(VertexElementType.UV));
         Assert.Null(mesh.GetVertexElementOfUV(TextureMapping.Glow));

@@ -86,7 +86,8 @@ public class ProfileTests
     [Fact]
     public void ArbitraryProfilesFollowTheirCurve()
     {
-        ArbitraryProfile clockwise = new(Line.FromPoints([new(0, 0, 0), new(0, 2, 0), new(3, 0, 5), new(0, 0, 0)]));
+        ArbitraryProfile clockwise =
+            new(Line.FromPoints([new(0, 0, 0), new(0, 2, 0), new(3, 0, 5), new(0, 0, 0)]));
         Close.To(3, clockwise.GetOutline().Area);
         Assert.Equal(3, clockwise.GetOutline().Outer.Length);
         Assert.Throws<InvalidOperationException>(() => new ArbitraryProfile().GetOutline());
@@ -97,8 +98,10 @@ public class ProfileTests
     [Fact]
     public void WallsThatDoNotFitAreRefused()
     {
-        Assert.Throws<InvalidOperationException>(() => new HollowCircleShape { WallThickness = 6 }.GetOutline());
-        Assert.Throws<InvalidOperationException>(() => new HollowRectangleShape { WallThickness = 1 }.GetOutline());
+        Assert.Throws<InvalidOperationException>(() =>
+            new HollowCircleShape { WallThickness = 6 }.GetOutline());
+        Assert.Throws<InvalidOperationException>(() =>
+            new HollowRectangleShape { WallThickness = 1 }.GetOutline());
     }
 
     [Fact]

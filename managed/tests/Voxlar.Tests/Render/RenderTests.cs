@@ -38,7 +38,8 @@ public class RenderTests
         [
             s => s.Blend = true, s => s.BlendColor = new FVector4(0, 0, 1, 0), s => s.CullFace = false,
             s => s.FrontFace = FrontFace.Clockwise, s => s.DepthMask = false, s => s.StencilMask = 7,
-            s => s.StencilBackFace.PassAction = StencilAction.Invert, s => s.StencilFrontFace.Compare = CompareFunction.Less,
+            s => s.StencilBackFace.PassAction = StencilAction.Invert, s => s.StencilFrontFace.Compare =
+                CompareFunction.Less,
             s => s.PolygonMode = PolygonMode.Line, s => s.ScissorTest = true, s => s.StencilReference = 3,
             s => s.SourceBlendFactor = BlendFactor.DstColor, s => s.DepthFunction = CompareFunction.Always,
         ];
@@ -58,11 +59,13 @@ public class RenderTests
     {
         Recorder recorder = new();
         PushConstant push = new();
-        Assert.Same(push, push.Write(7).Write(1.5f).Write(new FVector3(1, 2, 3)).Write(new FVector4(4, 5, 6, 7)));
+        Assert.Same(push, push.Write(7).Write(1.5f).Write(new FVector3(1, 2, 3)).Write(
+            new FVector4(4, 5, 6, 7)));
         push.Write(8, 9, 10, 11).Commit(ShaderStage.FragmentShader, recorder);
         Assert.Equal(ShaderStage.FragmentShader, recorder.Stage);
         Assert.Equal(7, BitConverter.ToInt32(recorder.Data, 0));
-        float[] floats = Enumerable.Range(1, 12).Select(i => BitConverter.ToSingle(recorder.Data, 4 * i)).ToArray();
+        float[] floats = Enumerable.Range(1, 12).Select(i =>
+            BitConverter.ToSingle(recorder.Data, 4 * i)).ToArray();
         Assert.Equal([1.5f, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11], floats);
         Assert.Equal(52, recorder.Data.Length);
 
@@ -97,7 +100,8 @@ public class RenderTests
     [Fact]
     public void EntityRenderersDoNothingByThemselves()
     {
-        EntityRenderer renderer = new("Mesh", EntityRendererFeatures.FrameBegin | EntityRendererFeatures.Shadowmap);
+        EntityRenderer renderer =
+            new("Mesh", EntityRendererFeatures.FrameBegin | EntityRendererFeatures.Shadowmap);
         Assert.Equal((EntityRendererFeatures)5, renderer.Features);
         Assert.Equal(new EntityRendererKey("Mesh"), renderer.Key);
         renderer.ResetSceneCache();
@@ -116,7 +120,8 @@ public class RenderTests
             Data = data;
         }
 
-        public void PushConstants(ShaderStage stage, byte[] data, int size) => PushConstants(stage, data[..size]);
+        public void PushConstants(ShaderStage stage, byte[] data, int size) =>
+            PushConstants(stage, data[..size]);
 
         public void Draw(int start, int count)
         {

@@ -32,9 +32,12 @@ public class TextureDataTests
     [Fact]
     public void ValuesThatDoNotFitAreRefused()
     {
-        Assert.Throws<ArgumentException>(() => new TextureData(4, 4, 8, 4, PixelFormat.R8G8B8A8, new byte[64]));
-        Assert.Throws<ArgumentException>(() => new TextureData(4, 4, 16, 3, PixelFormat.R8G8B8A8, new byte[64]));
-        Assert.Throws<ArgumentException>(() => new TextureData(4, 4, 16, 4, PixelFormat.R8G8B8A8, new byte[63]));
+        Assert.Throws<ArgumentException>(() =>
+            new TextureData(4, 4, 8, 4, PixelFormat.R8G8B8A8, new byte[64]));
+        Assert.Throws<ArgumentException>(() =>
+            new TextureData(4, 4, 16, 3, PixelFormat.R8G8B8A8, new byte[64]));
+        Assert.Throws<ArgumentException>(() =>
+            new TextureData(4, 4, 16, 4, PixelFormat.R8G8B8A8, new byte[63]));
         Assert.Throws<ArgumentException>(
             () => new TextureData(int.MaxValue, int.MaxValue, int.MaxValue, 1, PixelFormat.L8, new byte[9]));
         Assert.Equal(20, new TextureData(4, 4, 20, 4, PixelFormat.R8G8B8A8, new byte[76]).Stride);
@@ -101,7 +104,8 @@ public class TextureDataTests
         TextureData image = new(4, 3, PixelFormat.L8);
         for (int i = 0; i < 12; i++)
             image.Data[i] = (byte)i;
-        using (PixelMapping read = image.MapPixels(new Rect(1, 1, 2, 2), PixelMapMode.ReadOnly, PixelFormat.R8G8B8))
+        using (PixelMapping read =
+            image.MapPixels(new Rect(1, 1, 2, 2), PixelMapMode.ReadOnly, PixelFormat.R8G8B8))
         {
             Assert.Equal((6, 2, 2), (read.Stride, read.Width, read.Height));
             Assert.Equal([5, 5, 5, 6, 6, 6, 9, 9, 9, 10, 10, 10], read.Data);
@@ -148,11 +152,13 @@ public class TextureDataTests
         // A 2 x 5 image of 8-bit grey whose rows use the filters none, sub, up, average and Paeth.
         byte[] rows = [0, 10, 20, 1, 30, 10, 2, 5, 5, 3, 1, 2, 4, 7, 8];
         using MemoryStream packed = new();
-        using (System.IO.Compression.ZLibStream zlib = new(packed, System.IO.Compression.CompressionLevel.Fastest, true))
+        using (System.IO.Compression.ZLibStream zlib =
+            new(packed, System.IO.Compression.CompressionLevel.Fastest, true))
             zlib.Write(rows);
         byte[] png = Png([0, 0, 0, 2, 0, 0, 0, 5, 8, 0, 0, 0, 0], packed.ToArray());
         TextureData image = TextureData.FromStream(new MemoryStream(png));
-        // Average: 1 + 35/2 = 18, 2 + (18+45)/2 = 33. Paeth: 7 + 18 = 25; 8 + nearest to 25+33-18 = 40 among 25, 33, 18 = 41.
+        // Average: 1 + 35/2 = 18, 2 + (18+45)/2 = 33. Paeth: 7 + 18 = 25; 8 + nearest to 25+33-18 = 40 among
+        // 25, 33, 18 = 41.
         Assert.Equal([10, 20, 30, 40, 35, 45, 18, 33, 25, 41], image.Data);
     }
 
@@ -163,13 +169,16 @@ public class TextureDataTests
         TextureData image = TextureData.FromStream(new MemoryStream(bits));
         Assert.Equal(new byte[] { 255, 0, 255, 255, 0, 0, 255, 0, 0, 255 }, image.Data);
 
-        // Interlaced 3 x 3 with a palette: passes 1, 4 (column 2), 5 (row 2), 6 (column 1 of even rows) and 7 (row 1).
-        byte[] palette = [0, 0, 0, 10, 0, 0, 20, 0, 0, 30, 0, 0, 40, 0, 0, 50, 0, 0, 60, 0, 0, 70, 0, 0, 80, 0, 0];
+        // Interlaced 3 x 3 with a palette: passes 1, 4 (column 2), 5 (row 2), 6 (column 1 of even rows) and 7
+        // (row 1).
+        byte[] palette = [0, 0, 0, 10, 0, 0, 20, 0, 0, 30, 0, 0, 40, 0, 0, 50, 0, 0, 60, 0, 0, 70, 0, 0, 80,
+            0, 0];
         byte[] data = Packed([0, 0, 0, 2, 0, 6, 8, 0, 1, 0, 7, 0, 3, 4, 5]);
         byte[] png = Png([0, 0, 0, 3, 0, 0, 0, 3, 8, 3, 0, 0, 1], data, ("PLTE", palette), ("tRNS", [0]));
         TextureData interlaced = TextureData.FromStream(new MemoryStream(png));
         Assert.Equal(PixelFormat.R8G8B8A8, interlaced.PixelFormat);
-        Assert.Equal(Enumerable.Range(0, 9).Select(i => (byte)(10 * i)), interlaced.Data.Where((_, i) => i % 4 == 0));
+        Assert.Equal(Enumerable.Range(0, 9).Select(i => (byte)(10 * i)),
+            interlaced.Data.Where((_, i) => i % 4 == 0));
         Assert.Equal(new byte[] { 0, 255, 255 }, interlaced.Data.Where((_, i) => i % 4 == 3).Take(3));
     }
 
@@ -185,7 +194,8 @@ public class TextureDataTests
             for (int length = 2; length < whole.Length - 12; length += 7)
             {
                 byte[] cut = whole[..length];
-                Exception error = Assert.ThrowsAny<Exception>(() => TextureData.FromStream(new MemoryStream(cut)));
+                Exception error = Assert.ThrowsAny<Exception>(() =>
+                    TextureData.FromStream(new MemoryStream(cut)));
                 Assert.True(error is InvalidDataException or NotSupportedException, error.ToString());
             }
             if (format == "png")
@@ -231,7 +241,8 @@ public class TextureDataTests
     private static byte[] Packed(byte[] rows)
     {
         using MemoryStream packed = new();
-        using (System.IO.Compression.ZLibStream zlib = new(packed, System.IO.Compression.CompressionLevel.Fastest, true))
+        using (System.IO.Compression.ZLibStream zlib =
+            new(packed, System.IO.Compression.CompressionLevel.Fastest, true))
             zlib.Write(rows);
         return packed.ToArray();
     }
@@ -272,7 +283,8 @@ public class TextureDataTests
         public ITextureEncoder[] GetEncoders() => [this];
 
         public TextureData? Decode(Stream stream, bool reverseY) =>
-            stream.Length == 1 ? new TextureData(1, 1, 1, 1, PixelFormat.L8, [(byte)stream.ReadByte()]) : null;
+            stream.Length == 1 ? new TextureData(1, 1, 1, 1, PixelFormat.L8, [(byte)stream.ReadByte()])
+                : null;
 
         public void Encode(TextureData texture, Stream stream) => stream.WriteByte(texture.Data[0]);
     }

@@ -18,7 +18,8 @@ public class MaterialTests
         material.SetTexture(Material.MapNormal, normal);
         Assert.Same(diffuse, material.GetTexture("Diffuse"));
         Assert.Null(material.GetTexture("diffuse"));
-        Assert.Equal([("Diffuse", diffuse), ("Normal", normal)], material.Select(s => (s.SlotName, (Texture)s.Texture)));
+        Assert.Equal([("Diffuse", diffuse), ("Normal", normal)],
+            material.Select(s => (s.SlotName, (Texture)s.Texture)));
         material.SetTexture(Material.MapDiffuse, normal);
         Assert.Equal(["Diffuse", "Normal"], material.Select(s => s.SlotName));
         Assert.Same(normal, material.GetTexture(Material.MapDiffuse));
@@ -32,7 +33,8 @@ public class MaterialTests
     public void TexturePropertiesAreSlots()
     {
         Texture texture = new("t");
-        PbrMaterial pbr = new() { AlbedoTexture = texture, NormalTexture = texture, EmissiveTexture = texture };
+        PbrMaterial pbr = new() { AlbedoTexture = texture, NormalTexture = texture, EmissiveTexture =
+            texture };
         pbr.NormalTexture = null;
         Assert.Equal(2, pbr.Count());
         Assert.Same(texture, pbr.GetTexture(Material.MapEmissive));
@@ -64,7 +66,8 @@ public class MaterialTests
         Assert.NotSame(pbr, copy);
         Assert.Equal(pbr.RoughnessFactor, copy.RoughnessFactor);
         Assert.Same(texture, copy.AlbedoTexture);
-        Close.To(0.75, PbrMaterial.FromMaterial(new PbrSpecularMaterial { GlossinessFactor = 0.25 }).RoughnessFactor);
+        Close.To(0.75, PbrMaterial.FromMaterial(
+            new PbrSpecularMaterial { GlossinessFactor = 0.25 }).RoughnessFactor);
         Assert.Throws<NotSupportedException>(() => PbrMaterial.FromMaterial(new ShaderMaterial()));
         Assert.Throws<ArgumentNullException>(() => PbrMaterial.FromMaterial(null!));
     }
