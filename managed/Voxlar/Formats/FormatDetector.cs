@@ -43,6 +43,7 @@ internal static partial class FormatDetector
         (true, (_, text, stream) => text.StartsWith('{') ? Gltf(text, stream) : null),
         (true, (head, _, stream) => IsBinaryStl(head, stream) ? FileFormat.STLBinary : null),
         (true, (head, _, stream) => Is3ds(head, stream) ? FileFormat.Discreet3DS : null),
+        (false, (head, _, _) => head.StartsWith("PK\u0003\u0004"u8) ? FileFormat.Zip : null),
         (false, (_, text, _) => StlSolid().IsMatch(text) ? FileFormat.STLASCII : null),
         (false, (_, text, _) => HtmlRoot().IsMatch(text) ? FileFormat.HTML5 : null),
         (false, (_, text, _) => RvmHead().IsMatch(text) ? FileFormat.RvmText : null),
@@ -229,7 +230,7 @@ internal static partial class FormatDetector
         return length <= stream.Length - stream.Position + 6 && first is 0x0002 or 0x3d3d or 0xb000 or 0x3d3e;
     }
 
-    private static FileFormat Archive(Stream stream)
+    private static FileFormat? Archive(Stream stream)
     {
         // An archive counts its places from the start of the stream.
         using MemoryStream? rest = stream.Position == 0 ? null : new MemoryStream(IOUtils.ReadToEnd(stream));
@@ -251,7 +252,8 @@ internal static partial class FormatDetector
         }
         catch (InvalidDataException)
         {
-            // An archive without a directory is still an archive; its reader tells what is wrong.
+            // What an archive without a directory was for, its name may still tell.
+            return null;
         }
         return FileFormat.Zip;
     }

@@ -1,6 +1,7 @@
 using System;
 using System.Collections.Generic;
 using Velbor.Voxlar.Formats.Gltf;
+using Velbor.Voxlar.Formats.Zip;
 
 namespace Velbor.Voxlar.Formats;
 
@@ -14,6 +15,7 @@ internal static class FormatRegistry
     {
         [FileFormat.GLTF2] = new(() => new GltfReader(), () => new GltfWriter()),
         [FileFormat.GLTF2_Binary] = new(() => new GltfReader(), () => new GltfWriter()),
+        [FileFormat.Zip] = new(() => new ZipReader(), null),
     };
 
     /// <summary>The row of a format; an empty one for formats that are neither read nor written.</summary>

@@ -115,6 +115,9 @@ internal sealed class ReadContext
     public Stream OpenSideFile(string name) =>
         TryOpenSideFile(name) ?? throw Error($"the file '{name}' that it names was not found");
 
+    /// <summary>The name, for messages, of a file inside the file being read.</summary>
+    public string Inside(string name) => _path is null ? name : _path + "/" + name;
+
     /// <summary>How a file is called in messages.</summary>
     internal static string DisplayName(string? path) => string.IsNullOrEmpty(path) ? "the stream" : $"file '{path}'";
 

@@ -1,4 +1,5 @@
 using System;
+using System.Collections.Generic;
 using System.IO;
 using System.IO.Compression;
 using Velbor.Voxlar.Formats;
@@ -11,9 +12,11 @@ namespace Velbor.Voxlar.Utilities;
 /// </summary>
 public class ZipArchiveFileSystem : FileSystem
 {
-    // What one entry may unpack to: as much as one byte array can hold. Entries are read through a limited stream,
-    // so a false size in the directory does not matter.
-    private const long MaxEntrySize = int.MaxValue;
+    // What one entry may unpack to, so that a small archive cannot fill the memory.
+    private const long MaxEntrySize = 1 << 29;
+
+    // Deflate cannot shrink data to less than one part in about 1032; an entry that announces more lies.
+    private const long MaxRatio = 1100;
 
     private readonly Stream _stream;
     private readonly bool _ownsStream;
@@ -53,17 +56,7 @@ public class ZipArchiveFileSystem : FileSystem
         ZipArchiveEntry? entry = IsEmpty && _archive is null ? null : Archive(write: false).GetEntry(key);
         if (entry is null)
             throw new FileNotFoundException($"The archive has no file '{fileName}'.", fileName);
-        using Stream packed = entry.Open();
-        MemoryStream content = new();
-        byte[] buffer = new byte[81920];
-        for (int count; (count = packed.Read(buffer, 0, buffer.Length)) > 0;)
-        {
-            if (content.Length + count > MaxEntrySize)
-                throw new InvalidDataException($"The file '{fileName}' in the archive is too large.");
-            content.Write(buffer, 0, count);
-        }
-        content.Position = 0;
-        return content;
+        return new MemoryStream(Unpack(entry, fileName), writable: false);
     }
 
     /// <summary>Makes a file in the archive, in place of one of the same name.</summary>
@@ -91,6 +84,22 @@ public class ZipArchiveFileSystem : FileSystem
             _stream.Dispose();
     }
 
+    /// <summary>The names of the files below the base folder, relative to it, in the archive's order.</summary>
+    internal IEnumerable<string> EntryNames
+    {
+        get
+        {
+            if (IsEmpty && _archive is null)
+                yield break;
+            foreach (ZipArchiveEntry entry in Archive(write: false).Entries)
+            {
+                bool isFile = entry.Name.Length > 0;
+                if (isFile && entry.FullName.StartsWith(_baseDir, StringComparison.Ordinal))
+                    yield return entry.FullName[_baseDir.Length..];
+            }
+        }
+    }
+
     private bool IsEmpty => _stream.CanSeek && _stream.Length == 0;
 
     private static FileStream Open(string fileName)
@@ -103,6 +112,20 @@ public class ZipArchiveFileSystem : FileSystem
             writable ? FileMode.OpenOrCreate : FileMode.Open,
             writable ? FileAccess.ReadWrite : FileAccess.Read,
             FileShare.Read);
+    }
+
+    private static byte[] Unpack(ZipArchiveEntry entry, string fileName)
+    {
+        using Stream packed = entry.Open();
+        if (entry.Archive.Mode == ZipArchiveMode.Update)
+            return IOUtils.ReadToEnd(packed);
+        if (entry.Length > MaxEntrySize || entry.Length > MaxRatio * (entry.CompressedLength + 1))
+            throw new InvalidDataException($"The file '{fileName}' in the archive is too large.");
+        byte[] content = new byte[entry.Length];
+        if (packed.ReadAtLeast(content, content.Length, throwOnEndOfStream: false) < content.Length
+            || packed.ReadByte() >= 0)
+            throw new InvalidDataException($"The file '{fileName}' in the archive has not the announced size.");
+        return content;
     }
 
     private string Key(string fileName) => _baseDir + string.Join('/', ConfinedPath.Split(fileName));
