@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int kModuleApiVersion = 1013;
+constexpr char kRootName[] = "velbor.voxlar";
 
 PyMethodDef no_methods[] = {{nullptr, nullptr, 0, nullptr}};
 
@@ -175,7 +176,7 @@ PyObject* wrpPye_mlit_FFFFFFFF_common_wrappers(PyObject* root) {
         return nullptr;
     }
     if (!attach(root, "_wrpgen", wrpgen.get())) {
-        PyShlErr_ModuleInitializationInternalError(-1002, PyModule_GetName(root),
+        PyShlErr_ModuleInitializationInternalError(-1002, kRootName,
                                                    wrpPye_mlds_FFFFFFFF_common_wrappers.m_name);
         return nullptr;
     }

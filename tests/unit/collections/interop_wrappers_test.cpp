@@ -1,5 +1,6 @@
 #include "collections/fixture.h"
 
+#include "collections/common_wrappers.h"
 #include "collections/interop_hosts.h"
 
 #include <vector>
@@ -140,6 +141,22 @@ for name in names:
         assert (found is None and name not in sets) or {t.__name__ for t in found} == sets[name], name
 assert not any(n.startswith('_velbor') for n in vars(interop._ShlBufferView))
 )py");
+}
+
+TEST_F(InteropWrappers, TheModulesCanBeBuiltAgain) {
+    const PyRef second = PyRef::steal(PyModule_New("velbor.voxlar"));
+    ASSERT_NE(wrpPye_mlit_FFFFFFFF_common_wrappers(second.get()), nullptr);
+    set_name("second", second.get());
+    run("assert second._wrpgen.__name__ == 'velbor.voxlar._wrpgen' and second._wrpgen is not root._wrpgen");
+    run("assert second._wrpgen._generic._IterWrapper_F44BC945 is generic._IterWrapper_F44BC945");
+    run("del second");
+}
+
+TEST_F(InteropWrappers, AParentThatRefusesIsReported) {
+    const PyRef no_module = eval("5");
+    EXPECT_EQ(wrpPye_mlit_FFFFFFFF_common_wrappers(no_module.get()), nullptr);
+    EXPECT_EQ(take_error(),
+              "ImportError: Module initialization internal error (-1002) <velbor.voxlar,velbor.voxlar._wrpgen>");
 }
 
 TEST_F(InteropWrappers, IterationCrossesOnceAnElement) {
