@@ -38,8 +38,11 @@ test-managed: build ## the scene library's and the interop layer's own tests
 	@tools/test_managed.sh $(BUILD)
 
 test-python: build ## generator, contract and runtime tests
-	@echo "Python tests"
-	@PYTHONPATH=$(STAGE) $(PYTHON) -m pytest -q -p no:cacheprovider tests
+	@for suite in generator contract runtime; do \
+	    test -d tests/$$suite || continue; \
+	    echo "Python tests: $$suite"; \
+	    PYTHONPATH=$(STAGE) $(PYTHON) -m pytest -q -p no:cacheprovider tests/$$suite || exit 1; \
+	done
 
 test-all: build ## contract tests and demo on every CPython from 3.9 to 3.13 that is here
 	@tools/test_all.sh
