@@ -156,7 +156,7 @@ public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
     private ReadOnlyCollection<int> FindEdges()
     {
         List<int> edges = new();
-        HashSet<long> seen = new();
+        HashSet<(int, int)> seen = new();
         for (int i = 0; i < _polygons.Count; ++i)
         {
             ReadOnlySpan<int> polygon = _polygons.Polygon(i);
@@ -164,7 +164,7 @@ public class Mesh : Geometry, IMeshConvertible, IEnumerable<int[]>
             {
                 int a = polygon[k];
                 int b = polygon[k + 1 == polygon.Length ? 0 : k + 1];
-                if (seen.Add((long)Math.Min(a, b) << 32 | (long)Math.Max(a, b)))
+                if (seen.Add((Math.Min(a, b), Math.Max(a, b))))
                 {
                     edges.Add(a);
                     edges.Add(b);

@@ -14,7 +14,7 @@ internal sealed class SurfaceBuilder
     private readonly Welded _points = new();
     private readonly Welded _normals = new();
     private readonly Welded _coordinates = new();
-    private readonly List<(int Point, int Normal, int UV)> _corners = new();
+    private readonly List<Indices> _corners = new();
     private readonly List<int> _sizes = new();
 
     /// <summary>A corner of a polygon.</summary>
@@ -23,39 +23,27 @@ internal sealed class SurfaceBuilder
     /// <summary>Adds a polygon, unless fewer than three of its corners differ.</summary>
     public void Polygon(params ReadOnlySpan<Corner> corners)
     {
-        int first = _corners.Count;
-        foreach (Corner corner in corners)
-        {
-            int point = _points.Index(corner.Position);
-            if (_corners.Count > first && _corners[^1].Point == point)
-                continue;
-            _corners.Add((point, _normals.Index(corner.Normal),
-                _coordinates.Index(new Vector3(corner.UV.x, corner.UV.y, 0))));
-        }
-        while (_corners.Count - first > 1 && _corners[^1].Point == _corners[first].Point)
-            _corners.RemoveAt(_corners.Count - 1);
-        if (_corners.Count - first < 3)
-            _corners.RemoveRange(first, _corners.Count - first);
-        else
-            _sizes.Add(_corners.Count - first);
+        Indices[] indices = new Indices[corners.Length];
+        for (int i = 0; i < indices.Length; ++i)
+            indices[i] = Weld(corners[i]);
+        Add(indices);
     }
 
     /// <summary>
-    /// Adds a grid of quads. Outside is where the direction of growing i crossed with that of growing j
-    /// points.
+    /// Adds a grid of quads. Outside is where the direction of growing i crossed with that of growing j points.
     /// </summary>
     public void Grid(int columns, int rows, Func<int, int, Corner> corner)
     {
-        Corner[] below = new Corner[columns + 1];
-        Corner[] above = new Corner[columns + 1];
+        Indices[] below = new Indices[columns + 1];
+        Indices[] above = new Indices[columns + 1];
         for (int i = 0; i <= columns; ++i)
-            below[i] = corner(i, 0);
+            below[i] = Weld(corner(i, 0));
         for (int j = 0; j < rows; ++j)
         {
             for (int i = 0; i <= columns; ++i)
-                above[i] = corner(i, j + 1);
+                above[i] = Weld(corner(i, j + 1));
             for (int i = 0; i < columns; ++i)
-                Polygon(below[i], below[i + 1], above[i + 1], above[i]);
+                Add(below[i], below[i + 1], above[i + 1], above[i]);
             (below, above) = (above, below);
         }
     }
@@ -126,6 +114,28 @@ internal sealed class SurfaceBuilder
         }
         return mesh;
     }
+
+    private Indices Weld(Corner corner) => new(
+        _points.Index(corner.Position), _normals.Index(corner.Normal),
+        _coordinates.Index(new Vector3(corner.UV.x, corner.UV.y, 0)));
+
+    private void Add(params ReadOnlySpan<Indices> corners)
+    {
+        int first = _corners.Count;
+        foreach (Indices corner in corners)
+        {
+            if (_corners.Count == first || _corners[^1].Point != corner.Point)
+                _corners.Add(corner);
+        }
+        while (_corners.Count - first > 1 && _corners[^1].Point == _corners[first].Point)
+            _corners.RemoveAt(_corners.Count - 1);
+        if (_corners.Count - first < 3)
+            _corners.RemoveRange(first, _corners.Count - first);
+        else
+            _sizes.Add(_corners.Count - first);
+    }
+
+    private readonly record struct Indices(int Point, int Normal, int UV);
 
     // Values are the same only when they are equal to the last bit: what has to meet is computed the same
     // way.

@@ -6,6 +6,7 @@ using System.IO;
 using System.Runtime.InteropServices;
 using Velbor.Voxlar.Render;
 using Velbor.Voxlar.Utilities;
+using BitOperations = System.Numerics.BitOperations;
 
 namespace Velbor.Voxlar.Entities;
 
@@ -22,6 +23,7 @@ public class TriMesh : Entity, IEnumerable<Vertex>
     private readonly List<int> _indices = new();
     private readonly Dictionary<int, int> _known;
     private readonly byte[] _scratch;
+    private readonly Vertex _scratchVertex;
     private byte[] _data = [];
     private bool _open;
 
@@ -40,6 +42,7 @@ public class TriMesh : Entity, IEnumerable<Vertex>
         VertexDeclaration = declaration;
         _size = declaration.Size;
         _scratch = new byte[_size];
+        _scratchVertex = new Vertex(declaration, _scratch);
         _known = new Dictionary<int, int>(new ByContent(this));
     }
 
@@ -174,7 +177,7 @@ public class TriMesh : Entity, IEnumerable<Vertex>
     public void IndicesToArray(out int[] result) => result = _indices.ToArray();
 
     /// <summary>Begins a vertex, all of whose bytes are 0 at first.</summary>
-    /// <returns>The vertex; it can be filled until it is ended.</returns>
+    /// <returns>The vertex, the same object every time; it can be filled until it is ended.</returns>
     /// <exception cref="InvalidOperationException">The last vertex has not been ended.</exception>
     public Vertex BeginVertex()
     {
@@ -182,7 +185,7 @@ public class TriMesh : Entity, IEnumerable<Vertex>
             throw new InvalidOperationException("The last vertex has not been ended.");
         _open = true;
         Array.Clear(_scratch);
-        return new Vertex(VertexDeclaration, _scratch);
+        return _scratchVertex;
     }
 
     /// <summary>
@@ -364,13 +367,20 @@ public class TriMesh : Entity, IEnumerable<Vertex>
     // Compares vertices by the bytes that stand at their index, those of the vertex being added included.
     private sealed class ByContent(TriMesh mesh) : IEqualityComparer<int>
     {
+        // An odd number with well mixed bits, the golden ratio as a fraction of 2 to the 64.
+        private const ulong Multiplier = 0x9E3779B97F4A7C15;
+
         public bool Equals(int x, int y) => x == y || Bytes(x).SequenceEqual(Bytes(y));
 
         public int GetHashCode(int obj)
         {
-            HashCode hash = default;
-            hash.AddBytes(Bytes(obj));
-            return hash.ToHashCode();
+            ReadOnlySpan<byte> bytes = Bytes(obj);
+            ulong hash = 0;
+            foreach (ulong word in MemoryMarshal.Cast<byte, ulong>(bytes))
+                hash = BitOperations.RotateLeft((hash ^ word) * Multiplier, 29);
+            for (int i = bytes.Length & ~7; i < bytes.Length; ++i)
+                hash = BitOperations.RotateLeft((hash ^ bytes[i]) * Multiplier, 29);
+            return (int)(hash ^ hash >> 32);
         }
 
         private ReadOnlySpan<byte> Bytes(int index) => mesh._data.AsSpan(index * mesh._size, mesh._size);
