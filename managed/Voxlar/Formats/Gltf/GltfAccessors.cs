@@ -11,10 +11,10 @@ namespace Velbor.Voxlar.Formats.Gltf;
 internal sealed class GltfAccessors
 {
     /// <summary>Elements of an accessor that has no bytes of its own (all zero, or sparse over zeros).</summary>
-    private const long MaximumZeroElements = 1 << 22;
+    private const long MaximumZeroElements = 1 << 20;
 
     /// <summary>What may be decoded in any case, in components; more is allowed in proportion to the input.</summary>
-    private const long BaseBudget = 48L << 20;
+    private const long BaseBudget = 16L << 20;
 
     private const int BudgetPerInputByte = 16;
 

@@ -38,7 +38,7 @@ internal sealed class GltfSceneWriter
         this.document = document;
         this.options = options;
         this.context = context;
-        materials = new GltfMaterialWriter(document, new GltfTextureWriter(document, sideFiles, options), options, context);
+        materials = new GltfMaterialWriter(document, new GltfTextureWriter(document, sideFiles, options, context), options, context);
         meshes = new GltfMeshWriter(document, materials, options, context);
         views = new GltfViewWriter(document, options, context);
         skins = new GltfSkinWriter(document, nodeIndices, options.SaveExtras, context);

@@ -2,6 +2,7 @@ using System;
 using System.Collections.Generic;
 using System.IO;
 using System.Text.Json.Nodes;
+using Velbor.Voxlar.Render;
 using Velbor.Voxlar.Shading;
 
 namespace Velbor.Voxlar.Formats.Gltf;
@@ -12,12 +13,14 @@ internal sealed class GltfTextureWriter
     private readonly GltfDocument document;
     private readonly GltfSideFiles sideFiles;
     private readonly GltfSaveOptions options;
+    private readonly WriteContext context;
     private readonly Dictionary<(int Image, int Sampler, string Name), int> textureOf = [];
     private readonly Dictionary<(int Mag, int Min, int WrapS, int WrapT), int> samplerOf = [];
     private readonly List<(Texture Source, string Name, int Index)> images = [];
 
-    internal GltfTextureWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options)
+    internal GltfTextureWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options, WriteContext context)
     {
+        this.context = context;
         this.document = document;
         this.sideFiles = sideFiles;
         this.options = options;
@@ -27,7 +30,7 @@ internal sealed class GltfTextureWriter
     internal JsonObject InfoOf(TextureBase source)
     {
         if (source is not Texture texture)
-            throw new ExportException($"glTF has no form for a texture of the type {source.GetType().Name} ('{source.Name}').");
+            throw context.Error($"glTF has no form for a texture of the type {source.GetType().Name} ('{source.Name}')");
         var info = new JsonObject { ["index"] = IndexOf(texture) };
         if (texture.GetProperty(GltfNames.TexCoord) is int texCoord && texCoord > 0)
             info["texCoord"] = texCoord;
@@ -145,16 +148,17 @@ internal sealed class GltfTextureWriter
         if (content is null)
         {
             if (options.ExportTextures || options.EmbedAssets)
-                throw new ExportException($"The image file '{texture.FileName}' of the texture '{texture.Name}' cannot be found.");
+                throw context.Error($"the image file '{texture.FileName}' of the texture '{texture.Name}' cannot be found");
             json["uri"] = UriOf(texture.FileName!);
             return;
         }
+        bool isConverted = Convert(ref content, texture);
         string? mediaType = GltfImages.MediaTypeOf(content);
-        RequireFormat(mediaType, texture);
         if (sideFiles.ImagePlace == GltfImagePlace.SideFile)
         {
             string fileName = string.IsNullOrEmpty(texture.FileName) || GltfUri.HasScheme(texture.FileName)
-                ? GltfImages.SafeFileName(texture.Name) + GltfImages.ExtensionOf(mediaType ?? string.Empty) : texture.FileName;
+                ? GltfImages.SafeFileName(texture.Name) + GltfImages.ExtensionOf(mediaType ?? string.Empty)
+                : isConverted ? Path.ChangeExtension(texture.FileName, GltfImages.ExtensionOf(mediaType!)) : texture.FileName;
             json["uri"] = GltfUri.FromFileName(sideFiles.WriteImage(fileName, content));
         }
         else if (mediaType is not null && sideFiles.ImagePlace == GltfImagePlace.Buffer)
@@ -171,19 +175,29 @@ internal sealed class GltfTextureWriter
 
     private static string UriOf(string fileName) => GltfUri.HasScheme(fileName) ? fileName : GltfUri.FromFileName(fileName);
 
-    private void RequireFormat(string? mediaType, Texture texture)
+    /// <summary>Brings an image into the format that the options ask for.</summary>
+    /// <returns>Whether it had to be changed.</returns>
+    private bool Convert(ref byte[] content, Texture texture)
     {
-        string? wanted = options.ImageFormat switch
+        (string? mediaType, string extension) = options.ImageFormat switch
         {
-            GltfEmbeddedImageFormat.JPEG => GltfImages.Jpeg,
-            GltfEmbeddedImageFormat.PNG => GltfImages.Png,
-            _ => null,
+            GltfEmbeddedImageFormat.JPEG => (GltfImages.Jpeg, "jpg"),
+            GltfEmbeddedImageFormat.PNG => (GltfImages.Png, "png"),
+            _ => (null, string.Empty),
         };
-        if (wanted is not null && wanted != mediaType)
+        if (mediaType is null || GltfImages.MediaTypeOf(content) == mediaType)
+            return false;
+        try
         {
-            throw new ExportException(
-                $"GltfSaveOptions.ImageFormat asks for {wanted}, but the image of the texture '{texture.Name}' is {mediaType ?? "of another kind"}; "
-                + "images are not converted.");
+            using var converted = new MemoryStream();
+            TextureCodec.Encode(TextureCodec.Decode(new MemoryStream(content), false), converted, extension);
+            content = converted.ToArray();
+            return true;
+        }
+        catch (Exception e) when (e is NotSupportedException or InvalidDataException)
+        {
+            throw context.Error($"GltfSaveOptions.ImageFormat asks for {mediaType}, but the image of the texture '{texture.Name}' "
+                + $"cannot be converted: {ReadContext.Reason(e)}", e);
         }
     }
 }

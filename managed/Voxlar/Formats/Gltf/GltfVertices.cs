@@ -117,6 +117,8 @@ internal sealed class GltfVertices
     private static int[] ValuesOfCorners(Mesh mesh, VertexElement element)
     {
         PolygonStore polygons = mesh.PolygonStore;
+        if (TryTakeIndices(element, polygons.CornerCount) is int[] indices)
+            return indices;
         int[] canonical = CanonicalValues(element);
         var values = new int[polygons.CornerCount];
         int corner = 0;
@@ -130,6 +132,22 @@ internal sealed class GltfVertices
             }
         }
         return values;
+    }
+
+    /// <summary>The indices themselves, when there is a right one for each corner: the usual case, and a fast one.</summary>
+    private static int[]? TryTakeIndices(VertexElement element, int corners)
+    {
+        bool isIndexed = element.MappingMode == MappingMode.PolygonVertex && element.ReferenceMode == ReferenceMode.IndexToDirect;
+        if (!isIndexed || element.IndexList.Count < corners)
+            return null;
+        ReadOnlySpan<int> indices = CollectionsMarshal.AsSpan(element.IndexList)[..corners];
+        int count = element.ValueCount;
+        foreach (int index in indices)
+        {
+            if ((uint)index >= (uint)count)
+                return null;
+        }
+        return indices.ToArray();
     }
 
     /// <summary>For values that are stored once for each corner: the first place of each value, so that equal ones meet.</summary>

@@ -106,6 +106,9 @@ internal sealed class GltfStructure
         CheckExtensions();
         CheckViews();
         CheckAccessors();
+        // What follows reads the data, which must be there.
+        if (problems.Count > 0)
+            return;
         CheckNodes();
         CheckMeshes();
         CheckSkins();
