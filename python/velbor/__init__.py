@@ -8,9 +8,12 @@ one thing to do.
 from __future__ import annotations
 
 import sys
-from typing import Any
 
 from velbor import _start
+
+TYPE_CHECKING = False
+if TYPE_CHECKING:
+    from typing import Any
 
 __all__ = ["actual"]
 

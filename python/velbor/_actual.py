@@ -2,10 +2,12 @@
 
 from __future__ import annotations
 
-from typing import Any, Dict, Iterator, Tuple
-
 import velbor.voxlar as _voxlar
 from velbor import _start
+
+TYPE_CHECKING = False
+if TYPE_CHECKING:
+    from typing import Any, Dict, Iterator, Tuple
 
 # Managed full name of a run-time type -> the nearest wrapper type. Filled as types are met.
 _known: Dict[str, type] = {}

@@ -2,18 +2,22 @@
 
 from __future__ import annotations
 
-import importlib.abc
-import importlib.machinery
 import os
 import sys
-from pathlib import Path
-from types import ModuleType
-from typing import Optional, Sequence
+from importlib.machinery import ExtensionFileLoader, PathFinder
+
+# Every import here is paid by each start, so only what the interpreter has loaded anyway is used; `typing` and
+# `importlib.abc` alone would cost more than the search for the runtime.
+TYPE_CHECKING = False
+if TYPE_CHECKING:
+    from importlib.machinery import ModuleSpec
+    from types import ModuleType
+    from typing import Any, Optional, Sequence
 
 SUBMODULES = ("animation", "deformers", "entities", "formats", "profiles", "render", "shading", "utilities")
 
 _MODULE = "velbor.voxlar"
-_PACKAGE = Path(__file__).resolve().parent
+_PACKAGE = os.path.dirname(os.path.realpath(__file__))
 _NETCORE_DIR = "NETCORE_WRAPPER_NETCORE_DIR_velbor"
 _ASSEMBLY_DIR = "NETCORE_WRAPPER_ASSEMBLY_DIR_velbor"
 
@@ -26,21 +30,22 @@ def ready_environment() -> None:
     from velbor import _runtime_finder
 
     if not os.environ.get(_NETCORE_DIR):
-        os.environ[_NETCORE_DIR] = str(_PACKAGE / "_runtime")
+        os.environ[_NETCORE_DIR] = os.path.join(_PACKAGE, "_runtime")
     if not os.environ.get(_ASSEMBLY_DIR):
-        os.environ[_ASSEMBLY_DIR] = str(_PACKAGE / "_assemblies")
-    _runtime_finder.check(Path(os.environ[_NETCORE_DIR]), Path(os.environ[_ASSEMBLY_DIR]))
+        os.environ[_ASSEMBLY_DIR] = os.path.join(_PACKAGE, "_assemblies")
+    _runtime_finder.check(os.environ[_NETCORE_DIR], os.environ[_ASSEMBLY_DIR])
 
 
-class _VoxlarLoader(importlib.abc.Loader):
+class _VoxlarLoader:
     """Loads the extension module with the environment made ready, and registers its submodules."""
 
-    def __init__(self, inner: importlib.abc.Loader) -> None:
+    def __init__(self, inner: Any) -> None:
         self._inner = inner
 
-    def create_module(self, spec: importlib.machinery.ModuleSpec) -> Optional[ModuleType]:
+    def create_module(self, spec: ModuleSpec) -> Optional[ModuleType]:
         ready_environment()
-        return self._inner.create_module(spec)
+        module: Optional[ModuleType] = self._inner.create_module(spec)
+        return module
 
     def exec_module(self, module: ModuleType) -> None:
         self._inner.exec_module(module)
@@ -52,17 +57,17 @@ class _VoxlarLoader(importlib.abc.Loader):
         return getattr(self._inner, name)
 
 
-class _VoxlarFinder(importlib.abc.MetaPathFinder):
+class _VoxlarFinder:
     """Finds `velbor.voxlar` where it is, and lets the loader above load it."""
 
     def find_spec(
         self, fullname: str, path: Optional[Sequence[str]], target: Optional[ModuleType] = None
-    ) -> Optional[importlib.machinery.ModuleSpec]:
+    ) -> Optional[ModuleSpec]:
         if fullname != _MODULE:
             return None
-        spec = importlib.machinery.PathFinder.find_spec(fullname, path, target)
-        if spec is not None and isinstance(spec.loader, importlib.machinery.ExtensionFileLoader):
-            spec.loader = _VoxlarLoader(spec.loader)
+        spec = PathFinder.find_spec(fullname, path, target)
+        if spec is not None and isinstance(spec.loader, ExtensionFileLoader):
+            spec.loader = _VoxlarLoader(spec.loader)  # type: ignore[assignment]
         return spec
 
 

@@ -1,0 +1,1 @@
+"""Wrappers of managed collections and streams."""
