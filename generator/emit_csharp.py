@@ -548,13 +548,15 @@ class GenericClass:
 
     def _entry(self, name: str) -> str:
         view = f"({self.view})Handles.Get(self)"
+        # The array or list class itself where the helper has a form for it; an interface costs more to go through.
+        own = f"({self.managed if self.kind == 'Array' else self.view})Handles.Get(self)"
         value, (native,) = self.value.value, self.value.native
         index = "int index"
         result = f"{self.out} result"
         taken = f"if (status != Lists.Done)\n{{\n    return status;\n}}\n\n{self.give}"
         typed = f"<{self.t}>"
         simple: dict[str, tuple[str, tuple[str, ...], str]] = {
-            "SqLength": ("int", (), f"return (({self._counted()})Handles.Get(self)).Count;"),
+            "SqLength": ("int", (), f"return ({own}).{'Length' if self.kind == 'Array' else 'Count'};"),
             "SqContains": ("int", (native,), f"return (({self._counted()})Handles.Get(self)).Contains({value}) ? 1 : 0;"),
             "CountOf": ("int", (native,), f"return Lists.CountOf{typed}({view}, {value});"),
             "Add": ("void", (native,), f"(({self._counted()})Handles.Get(self)).Add({value});"),
@@ -563,10 +565,10 @@ class GenericClass:
             "SqGetItem": (
                 "int",
                 (index, result),
-                f"int status = Lists.Get({view}, index, out {self.t} item);\n{taken}",
+                f"int status = Lists.Get({own}, index, out {self.t} item);\n{taken}",
             ),
-            "SqSetItem": ("int", (index, native), f"return Lists.Set({view}, index, {value});"),
-            "SqSetItemNoChek": ("void", (index, native), f"({view})[index] = {value};"),
+            "SqSetItem": ("int", (index, native), f"return Lists.Set({own}, index, {value});"),
+            "SqSetItemNoChek": ("void", (index, native), f"({own})[index] = {value};"),
             "Insert": ("void", (index, native), f"Lists.Insert({view}, index, {value});"),
             "RemoveAt": ("int", (index,), f"return Lists.RemoveAt({view}, index);"),
             "Pop": (
@@ -609,7 +611,7 @@ class GenericClass:
         }
         if name == "SqGetItemNoCheck":
             got = self.forms.result(self.element)
-            body = got.statement.format(call=f"({view})[index]")
+            body = got.statement.format(call=f"({own})[index]")
             return entry(name, got.native, ("void* self", index, *got.trailing), body)
         native_result, arguments, body = simple[name]
         return entry(name, native_result, ("void* self", *arguments), body, "-1" if native_result == "int" else None)
@@ -731,6 +733,67 @@ def holders(catalogue: Catalogue, types: Types) -> str:
     )
 
 
+class Api:
+    """What the scene library must offer, as data for the test that holds its public types against the catalogue."""
+
+    def __init__(self, types: Types) -> None:
+        self.types = types
+
+    def text(self) -> str:
+        catalogue = self.types.catalogue
+        rows = [row for wrapped in catalogue.types.values() for row in self._type(wrapped)]
+        rows += [
+            f"new ApiEnum(typeof({self.types.named(enum.name)}), {'true' if enum.byte else 'false'}, "
+            f"{', '.join(str(value) for _, value in enum.members)})"
+            for enum in catalogue.enums.values()
+        ]
+        body = "\n".join(f"        {row}," for row in rows)
+        return (
+            f"{HEAD.replace('using Velbor.WrpGen.Interop;', '')}\nnamespace WrpInterop.Tests\n{{\n\n"
+            "/// <summary>The rows of the catalogue.</summary>\n"
+            "internal static class Api\n{\n    public static readonly ApiRow[] Rows =\n    [\n"
+            f"{body}\n    ];\n}}\n\n}}\n"
+        )
+
+    def _type(self, wrapped: WrappedType) -> Iterator[str]:
+        owner = f"typeof({self.types.named(wrapped.name)})"
+        bases = [wrapped.base_name] if wrapped.base_name else []
+        for name in (*bases, *wrapped.interfaces):
+            yield f"new ApiBase({owner}, typeof({self.types.named(name)}))"
+        if wrapped.disposable:
+            yield f"new ApiBase({owner}, typeof(IDisposable))"
+        if wrapped.iterable:
+            yield f"new ApiBase({owner}, typeof(IEnumerable<{self.types.of(wrapped.iterable)}>))"
+        yield f"new ApiType({owner}, {'true' if wrapped.constructors else 'false'})"
+        for constructor in wrapped.constructors:
+            if not (wrapped.is_struct and not constructor.parameters):
+                yield f"new ApiMethod({owner}, \".ctor\", false, typeof(void){self._parameters(constructor)})"
+        for method in wrapped.methods:
+            for overload in method.overloads:
+                static = "true" if method.static else "false"
+                result = f"typeof({self._of(overload.result)})"
+                parameters = self._parameters(overload)
+                yield f'new ApiMethod({owner}, "{method.managed}", {static}, {result}{parameters})'
+        for prop in wrapped.properties:
+            writable = "false" if prop.read_only else "true"
+            yield f'new ApiProperty({owner}, "{prop.managed}", false, typeof({self._of(prop.type)}), {writable})'
+        for static_field in wrapped.statics:
+            of = self._of(static_field.type)
+            yield f'new ApiProperty({owner}, "{static_field.managed}", true, typeof({of}), false)'
+        if wrapped.indexer:
+            writable = "false" if wrapped.indexer.read_only else "true"
+            yield f'new ApiProperty({owner}, "Item", false, typeof({self._of(wrapped.indexer.element)}), {writable})'
+
+    def _of(self, ref: TypeRef) -> str:
+        return "void" if ref.kind is Kind.VOID else self.types.of(ref) + ("?" if ref.nullable else "")
+
+    def _parameters(self, overload: Overload) -> str:
+        return "".join(
+            f", typeof({self._of(parameter.type)}){'.MakeByRefType()' if parameter.type.kind is Kind.OUT else ''}"
+            for parameter in overload.parameters
+        )
+
+
 def emit(catalogue: Catalogue, folder: Path, out: Path) -> None:
     """Writes one file a Python module and the files that the helpers lean on."""
     types = Types(catalogue)
@@ -747,3 +810,4 @@ def emit(catalogue: Catalogue, folder: Path, out: Path) -> None:
     write(target / "callbacks.cs", callbacks(catalogue))
     write(target / "elements.cs", elements(catalogue, rows, types))
     write(target / "holders.cs", holders(catalogue, types))
+    write(out / "csharp_tests" / "api.cs", Api(types).text())

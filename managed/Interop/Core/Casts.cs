@@ -10,7 +10,7 @@ namespace Velbor.WrpGen.Interop;
 /// </summary>
 internal static unsafe class Casts
 {
-    private static readonly ConcurrentDictionary<(Type From, Type To), MethodInfo?> s_operators = new();
+    private static readonly ConcurrentDictionary<Conversion, MethodInfo?> s_operators = new();
 
     /// <summary>Gives the handle of a type.</summary>
     public static int TypeOf(Type type, void** result)
@@ -203,11 +203,11 @@ internal static unsafe class Casts
     /// <summary>Runs the conversion operator that either type declares; null when there is none.</summary>
     private static object? Convert(object source, Type target)
     {
-        MethodInfo? conversion = s_operators.GetOrAdd((source.GetType(), target), FindOperator);
+        MethodInfo? conversion = s_operators.GetOrAdd(new Conversion(source.GetType(), target), FindOperator);
         return conversion?.Invoke(null, [source]);
     }
 
-    private static MethodInfo? FindOperator((Type From, Type To) pair)
+    private static MethodInfo? FindOperator(Conversion pair)
     {
         foreach (Type owner in new[] { pair.From, pair.To })
         {
@@ -223,6 +223,9 @@ internal static unsafe class Casts
 
         return null;
     }
+
+    /// <summary>A pair of types; a class, so that the dictionary over it is one that the framework has precompiled.</summary>
+    private sealed record Conversion(Type From, Type To);
 
     private static InvalidCastException CannotReinterpret(object source, Type target) =>
         new($"A '{source.GetType().FullName}' is no '{target.FullName}'.");

@@ -100,8 +100,12 @@ internal static unsafe class Handles
     {
         int first = s_slots?.Length ?? 1;
         int capacity = s_slots == null ? FirstCapacity : checked(s_slots.Length * 2);
-        Slot[]? slots = s_slots;
-        Array.Resize(ref slots, capacity);
+        Slot[] slots = new Slot[capacity];
+        if (s_slots != null)
+        {
+            Array.Copy(s_slots, slots, s_slots.Length);
+        }
+
         for (int index = first; index < capacity - 1; index++)
         {
             slots[index].Next = index + 1;

@@ -1,5 +1,5 @@
 using System;
-using System.Collections.Generic;
+using System.Runtime.CompilerServices;
 using System.Threading;
 
 namespace Velbor.WrpGen.Interop;
@@ -10,15 +10,17 @@ namespace Velbor.WrpGen.Interop;
 /// </summary>
 internal static class PythonThread
 {
-    [ThreadStatic]
-    private static bool t_entered;
+    // The thread that entered last, by its number: all that most entries have to look at.
+    private static int s_last;
+    private static ThreadLocal<object?>? s_marks;
 
     /// <summary>Marks the calling thread as one of Python's, and gives back what finalizers have queued.</summary>
     public static void Enter()
     {
-        if (!t_entered)
+        int current = Environment.CurrentManagedThreadId;
+        if (current != s_last)
         {
-            t_entered = true;
+            Mark(current);
         }
 
         if (PendingReleases.Any)
@@ -30,11 +32,19 @@ internal static class PythonThread
     /// <summary>Refuses a thread that never came from Python.</summary>
     public static void Require()
     {
-        if (!t_entered)
+        if (Environment.CurrentManagedThreadId != s_last && s_marks?.Value == null)
         {
             throw new InvalidOperationException(
                 "A Python object can be used only on a thread that called in from Python, during that call.");
         }
+    }
+
+    [MethodImpl(MethodImplOptions.NoInlining)]
+    private static void Mark(int current)
+    {
+        s_marks ??= new ThreadLocal<object?>();
+        s_marks.Value = s_marks;
+        s_last = current;
     }
 }
 
@@ -44,10 +54,10 @@ internal static class PythonThread
 /// </summary>
 internal static unsafe class PendingReleases
 {
-    private static readonly Lock s_lock = new();
-    private static List<nint> s_queue = [];
+    private static readonly object s_lock = new();
+    private static Waiting? s_first;
     private static volatile bool s_any;
-    private static volatile bool s_ended;
+    private static bool s_ended;
 
     /// <summary>Whether something waits.</summary>
     public static bool Any => s_any;
@@ -59,7 +69,7 @@ internal static unsafe class PendingReleases
         {
             if (!s_ended)
             {
-                s_queue.Add((nint)reference);
+                s_first = new Waiting(reference, s_first);
                 s_any = true;
             }
         }
@@ -68,17 +78,17 @@ internal static unsafe class PendingReleases
     /// <summary>Gives the queued references back. Dropping one may run Python code that enters again.</summary>
     public static void Drain()
     {
-        List<nint> waiting;
+        Waiting? waiting;
         lock (s_lock)
         {
-            waiting = s_queue;
-            s_queue = [];
+            waiting = s_first;
+            s_first = null;
             s_any = false;
         }
 
-        foreach (nint reference in waiting)
+        for (; waiting != null; waiting = waiting.Next)
         {
-            PyCallbacks.fn_xdec_ref((PyObject*)reference);
+            PyCallbacks.fn_xdec_ref(waiting.Reference);
         }
     }
 
@@ -89,7 +99,20 @@ internal static unsafe class PendingReleases
         {
             s_ended = true;
             s_any = false;
-            s_queue.Clear();
+            s_first = null;
         }
+    }
+
+    private sealed class Waiting
+    {
+        public Waiting(PyObject* reference, Waiting? next)
+        {
+            Reference = reference;
+            Next = next;
+        }
+
+        public PyObject* Reference { get; }
+
+        public Waiting? Next { get; }
     }
 }

@@ -1,5 +1,4 @@
 using System;
-using System.Runtime.InteropServices;
 using System.Text;
 
 namespace Velbor.WrpGen.Interop;
@@ -78,24 +77,27 @@ internal static unsafe class Strings
             }
         }
 
-        return string.Create(units, (Points: (nint)points, count), static (span, source) =>
+        // Filled in place before anybody else sees it; a helper with a delegate would have to wait for the JIT.
+        string text = new('\0', units);
+        fixed (char* chars = text)
         {
-            uint* from = (uint*)source.Points;
-            int at = 0;
-            for (int i = 0; i < source.count; i++)
+            char* to = chars;
+            for (int i = 0; i < count; i++)
             {
-                uint point = from[i];
+                uint point = points[i];
                 if (point <= char.MaxValue)
                 {
-                    span[at++] = (char)point;
+                    *to++ = (char)point;
                 }
                 else
                 {
                     point -= 0x10000;
-                    span[at++] = (char)(0xD800 + (point >> 10));
-                    span[at++] = (char)(0xDC00 + (point & 0x3FF));
+                    *to++ = (char)(0xD800 + (point >> 10));
+                    *to++ = (char)(0xDC00 + (point & 0x3FF));
                 }
             }
-        });
+        }
+
+        return text;
     }
 }

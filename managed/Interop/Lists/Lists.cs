@@ -27,6 +27,32 @@ internal static class Lists
         return Done;
     }
 
+    /// <summary>The same over an array, which need not be asked through an interface.</summary>
+    public static int Get<T>(T[] array, int index, out T value)
+    {
+        if ((uint)index >= (uint)array.Length)
+        {
+            value = default!;
+            return OutOfRange;
+        }
+
+        value = array[index];
+        return Done;
+    }
+
+    /// <summary>Writes the element at an index of an array.</summary>
+    public static int Set<T>(T[] array, int index, T value)
+    {
+        if ((uint)index >= (uint)array.Length)
+        {
+            return OutOfRange;
+        }
+
+        array[index] = value;
+        return Done;
+    }
+
+    /// <summary>Writes the element at an index that the caller has made non-negative.</summary>
     public static int Set<T>(IList<T> list, int index, T value)
     {
         if ((uint)index >= (uint)list.Count)

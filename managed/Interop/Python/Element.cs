@@ -17,7 +17,7 @@ internal abstract unsafe class Element<T>
     public bool Next(PyObject* iterator, out T value)
     {
         PyObject* item = null;
-        Unsafe16 record = default;
+        Room record = default;
         int status = _iterTable == GenericCallbacks.None
             ? PyCallbacks.fn_clbk_iter_next(iterator, &item, (VariantArg*)&record)
             : GenericCallbacks.IterNext(_iterTable, iterator, &item, &record);
@@ -123,13 +123,13 @@ internal abstract unsafe class Element<T>
     }
 
     private static int Length(nint length) => length < 0 ? throw Errors.TakePending() : checked((int)length);
+}
 
-    /// <summary>Room for the largest record that a callback fills in.</summary>
-    protected struct Unsafe16
-    {
-        public long First;
-        public long Second;
-    }
+/// <summary>Room for the largest record that a callback fills in.</summary>
+internal struct Room
+{
+    public long First;
+    public long Second;
 }
 
 /// <summary>An element that has no callbacks of its own: everything goes through the open-typed ones.</summary>
@@ -178,14 +178,14 @@ internal abstract unsafe class TableElement<T> : Element<T>
 
     public override T GetListItem(PyObject* list, int index)
     {
-        Unsafe16 record = default;
+        Room record = default;
         Elements.CheckIndexed(GenericCallbacks.ListGetItem(_listTable, list, index, &record));
         return FromRecord(&record);
     }
 
     public override T GetSequenceItem(PyObject* sequence, int index)
     {
-        Unsafe16 record = default;
+        Room record = default;
         PyObject* item = null;
         Elements.CheckIndexed(GenericCallbacks.SequenceGetItem(_sequenceTable, sequence, index, &item, &record));
         try
