@@ -63,6 +63,12 @@ public class CurveTests
         Close.To(new Vector3(2, 0, 0), around.PointAt(0.5));
         around.SameDirection = false;
         Close.To(new Vector3(-2, 0, 0), around.PointAt(0.5));
+
+        // Backwards from 0 to 90 degrees is the long way round.
+        quarter.SameDirection = false;
+        quarter.Second = EndPoint.FromDegree(90);
+        Close.To(3 * Math.PI, Length(quarter.Tessellate()), 0.03);
+        Close.To(new Vector3(-Math.Sqrt(2), -Math.Sqrt(2), 0), quarter.PointAt(0.5));
     }
 
     [Fact]

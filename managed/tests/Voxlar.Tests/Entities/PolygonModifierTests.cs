@@ -74,6 +74,49 @@ public class PolygonModifierTests
         }
     }
 
+    /// <summary>A comb with pointed teeth: most of its convex corners hold others in their triangle.</summary>
+    private static Vector4[] Comb(int teeth)
+    {
+        List<Vector4> points = [new(0, 0, 0), new(2 * teeth, 0, 0)];
+        for (int i = teeth - 1; i >= 0; i--)
+        {
+            points.Add(new Vector4(2 * i + 1.9, 10 + i % 3, 0));
+            points.Add(new Vector4(2 * i, 0.5 + 0.1 * (i % 2), 0));
+        }
+        return points.ToArray();
+    }
+
+    /// <summary>A spiral band: an outer way inwards and an inner way back.</summary>
+    private static Vector4[] Spiral(int corners)
+    {
+        List<Vector4> points = new();
+        foreach ((int from, int step, double width) in new[] { (0, 1, 0.4), (corners - 1, -1, 0.0) })
+        {
+            for (int k = 0, i = from; k < corners; k++, i += step)
+            {
+                (double sin, double cos) = Math.SinCos(-0.5 * i);
+                double radius = 10 - 0.08 * i + width;
+                points.Add(new Vector4(radius * cos, radius * sin, 0));
+            }
+        }
+        return points.ToArray();
+    }
+
+    [Fact]
+    public void WindingPolygonsAreCovered()
+    {
+        foreach (Vector4[] points in new[] { Comb(3), Comb(20), Spiral(20), Spiral(60) })
+        {
+            int[] polygon = Enumerable.Range(0, points.Length).ToArray();
+            double area = Area(points, [polygon], Vector3.ZAxis);
+            int[][] triangles = PolygonModifier.Triangulate(points);
+            Assert.Equal(points.Length - 2, triangles.Length);
+            // Triangles that all run the way of the polygon cover every place as often as the polygon goes round it.
+            Assert.All(triangles, t => Assert.True(Area(points, [t], Vector3.ZAxis) * Math.Sign(area) > -1e-12));
+            Close.To(area, triangles.Sum(t => Area(points, [t], Vector3.ZAxis)), 1e-9);
+        }
+    }
+
     [Fact]
     public void PolygonsWithStraightAndRepeatedCornersAreCut()
     {
@@ -208,7 +251,14 @@ public class PolygonModifierTests
         Mesh box = new Box().ToMesh();
         VertexElement materials = box.CreateElement(VertexElementType.Material);
         materials.SetIndices([0, 1, 1, 1, 1, 2]);
+        VertexElementVertexColor colors = (VertexElementVertexColor)box.CreateElement(VertexElementType.VertexColor);
+        colors.SetData(box.ControlPoints.ToArray());
         Mesh[] parts = PolygonModifier.SplitMesh(box, policy);
+        foreach (Mesh part in parts)
+        {
+            VertexElement carried = part.GetElement(VertexElementType.VertexColor)!;
+            Assert.Equal(part.ControlPoints, ((VertexElementVertexColor)carried).Data);
+        }
         Assert.Equal([1, 4, 1], parts.Select(p => p.PolygonCount));
         Assert.Equal(points, parts[0].ControlPoints.Count);
         Assert.Equal(policy == SplitMeshPolicy.CompactData ? 1 : 6,
@@ -218,13 +268,13 @@ public class PolygonModifierTests
             MeshMeasure.AssertCornerValues(part, 0.999);
 
         Scene scene = new();
-        LambertMaterial[] colors = [new("0"), new("1"), new("2")];
+        LambertMaterial[] paints = [new("0"), new("1"), new("2")];
         Node node = scene.RootNode.CreateChildNode("box", box);
-        foreach (LambertMaterial color in colors)
-            node.Materials.Add(color);
+        foreach (LambertMaterial paint in paints)
+            node.Materials.Add(paint);
         PolygonModifier.SplitMesh(scene, policy, true);
         Assert.Empty(node.Entities);
-        Assert.Equal(colors, node.ChildNodes.Select(n => n.Material));
+        Assert.Equal(paints, node.ChildNodes.Select(n => n.Material));
 
         Node flat = scene.RootNode.CreateChildNode("flat", box);
         PolygonModifier.SplitMesh(flat, policy, false, false);
