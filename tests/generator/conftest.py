@@ -1,0 +1,6 @@
+"""The generator is run from the checkout."""
+
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2]))
