@@ -116,6 +116,37 @@ def test_environment_exit_on_another_thread(run: Callable) -> None:
     expect(result, 9)
 
 
+def test_environment_exit_while_the_main_thread_ends(run: Callable) -> None:
+    for _ in range(5):
+        result = run(
+            """
+            import sys, threading, managed
+            threading.Thread(target=managed.exit_process, args=(9,), daemon=True).start()
+            sys.exit(3)
+            """
+        )
+        assert result.returncode in (3, 9)
+        assert (result.stdout, result.stderr) == ("", "")
+
+
+def test_live_wrappers_of_a_scene(run: Callable) -> None:
+    result = run(
+        """
+        from velbor.voxlar import Scene
+        from velbor.voxlar.entities import Box
+        from velbor.voxlar.utilities import Vector3
+        scene = Scene()
+        nodes = [scene.root_node.create_child_node(f"box{i}", Box(1.0, 2.0, 3.0)) for i in range(50)]
+        nodes[0].transform.translation = Vector3(1.0, 2.0, 3.0)
+        children = iter(scene.root_node.child_nodes)
+        next(children)
+        held = [nodes, children]
+        held.append(held)
+        """
+    )
+    expect(result, 0)
+
+
 def test_a_shutdown_asked_for_twice(run: Callable) -> None:
     result = run(
         """

@@ -145,3 +145,38 @@ def test_multiprocessing_with_spawn(run: Callable, tmp_path) -> None:
     )
     result = run(f"import runpy; runpy.run_path({str(script)!r}, run_name='__main__')")
     assert (result.returncode, result.stdout, result.stderr) == (0, "['Type', 'Type', 'Type', 'Type']\n", "")
+
+
+def test_a_child_with_wrappers_of_a_scene(run: Callable) -> None:
+    result = run(
+        """
+        import gc, os, sys
+        from velbor.voxlar import Scene
+        from velbor.voxlar.entities import Box
+        from velbor.voxlar.utilities import Vector3
+        scene = Scene()
+        node = scene.root_node.create_child_node("box", Box(1.0, 2.0, 3.0))
+        children = iter(scene.root_node.child_nodes)
+        vector, other = Vector3(1.0, 2.0, 3.0), Vector3(1.0, 2.0, 3.0)
+        child = os.fork()
+        if child == 0:
+            calls = (lambda: node.name, lambda: setattr(node, "name", "x"), lambda: node.entity, lambda: next(children),
+                     lambda: len(scene.root_node.child_nodes), lambda: vector.x, lambda: setattr(vector, "x", 1.0),
+                     lambda: Vector3(1.0, 2.0, 3.0), lambda: vector == other, lambda: Scene(),
+                     lambda: Box._cast_as(node.entity), lambda: str(node))
+            for number, call in enumerate(calls):
+                try:
+                    call()
+                    print("no error:", number)
+                except RuntimeError as error:
+                    assert str(error) == "managed code is not available in a forked process", error
+            del node, children, vector, other, scene
+            gc.collect()
+            sys.exit(0)
+        print("child", os.waitpid(child, 0)[1])
+        node.name = "still here"
+        print(node.name, vector.x, next(children).name)
+        """
+    )
+    assert (result.returncode, result.stderr) == (0, "")
+    assert result.stdout == "child 0\nstill here 1.0 still here\n"
