@@ -214,8 +214,8 @@ public class FileFormat
         VRML, Velbor3DWeb, HTML5, Zip, USD, USDZ, Xyz, Pcd, PcdBinary,
     ];
 
-    // Where formats share an extension, the one to write when only the extension is known; all others follow the
-    // order of the table.
+    // Where formats share an extension, the one to write when only the extension is known; all others follow
+    // the order of the table.
     private static readonly FileFormat[] Preferred =
         [FBX7500Binary, STLBinary, GLTF2, GLTF2_Binary, XText, RvmBinary, SiemensJT9, Pcd];
 
@@ -256,7 +256,8 @@ public class FileFormat
 
     internal static IReadOnlyList<FileFormat> Known => All;
 
-    /// <summary>Finds the format of a stream by its content, and where that tells nothing by the extension.</summary>
+    /// <summary>Finds the format of a stream by its content, and where that tells nothing by the
+    /// extension.</summary>
     /// <param name="stream">The stream; it must be seekable, and its position is put back.</param>
     /// <param name="fileName">The file name; null or empty for none.</param>
     /// <returns>The format; null when neither tells it.</returns>
@@ -269,7 +270,8 @@ public class FileFormat
         return FormatDetector.Decide(stream, fileName, null);
     }
 
-    /// <summary>Finds the format of a file by its content, and where that tells nothing by the extension.</summary>
+    /// <summary>Finds the format of a file by its content, and where that tells nothing by the
+    /// extension.</summary>
     /// <returns>The format; null when neither tells it.</returns>
     /// <exception cref="ImportException">The file cannot be opened.</exception>
     public static FileFormat? Detect(string fileName)

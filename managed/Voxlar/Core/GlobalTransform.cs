@@ -2,7 +2,8 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar;
 
-/// <summary>The transform of a node into the space of its scene; it always shows the present state of the node.</summary>
+/// <summary>The transform of a node into the space of its scene; it always shows the present state of the
+/// node.</summary>
 public sealed class GlobalTransform
 {
     private readonly Node _node;

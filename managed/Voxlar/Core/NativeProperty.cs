@@ -1,23 +1,16 @@
 using System;
-using System.Collections.Concurrent;
-using System.Collections.Generic;
 using System.Globalization;
 using System.Reflection;
 using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar;
 
-/// <summary>
-/// An object's own property: a public property of its class that can be read and written and holds plain data, that
-/// is a number, a text, an enum, a date or one of the value types of this library.
-/// </summary>
+/// <summary>An object's own property: a row of its class's <see cref="NativePropertyTable"/>.</summary>
 internal sealed class NativeProperty : Property
 {
-    private static readonly ConcurrentDictionary<Type, PropertyInfo[]> Declared = new();
-
     private readonly PropertyInfo _info;
 
-    private NativeProperty(VbrObject owner, PropertyInfo info)
+    public NativeProperty(VbrObject owner, PropertyInfo info)
         : base(owner, info.Name) => _info = info;
 
     public override object? Value
@@ -30,41 +23,6 @@ internal sealed class NativeProperty : Property
     public override Type ValueType => _info.PropertyType;
 
     internal override PropertyFlags Flags => PropertyFlags.Animatable;
-
-    /// <summary>Makes the properties of an object, those of its base classes first.</summary>
-    public static IEnumerable<Property> Of(VbrObject owner)
-    {
-        foreach (PropertyInfo info in Declared.GetOrAdd(owner.GetType(), Find))
-            yield return new NativeProperty(owner, info);
-    }
-
-    private static PropertyInfo[] Find(Type type)
-    {
-        Stack<Type> line = new();
-        for (Type? t = type; t is not null && t != typeof(VbrObject) && t != typeof(Property); t = t.BaseType)
-            line.Push(t);
-        List<PropertyInfo> result = [];
-        HashSet<string> names = new(StringComparer.Ordinal);
-        foreach (Type level in line)
-        {
-            const BindingFlags OwnMembers = BindingFlags.Public | BindingFlags.Instance | BindingFlags.DeclaredOnly;
-            foreach (PropertyInfo info in level.GetProperties(OwnMembers))
-            {
-                bool readWrite = info.GetMethod is { IsPublic: true } && info.SetMethod is { IsPublic: true };
-                if (readWrite && info.GetIndexParameters().Length == 0 && IsData(info.PropertyType)
-                    && names.Add(info.Name))
-                    result.Add(info);
-            }
-        }
-        return [.. result];
-    }
-
-    private static bool IsData(Type type)
-    {
-        Type plain = Nullable.GetUnderlyingType(type) ?? type;
-        return plain.IsPrimitive || plain.IsEnum || plain == typeof(string) || plain == typeof(DateTime)
-            || (plain.IsValueType && plain.Assembly == typeof(Vector3).Assembly);
-    }
 
     // Numbers and vectors of another precision are converted; all else must have the declared type.
     private object? Fit(object? value)

@@ -6,14 +6,16 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar;
 
 /// <summary>
-/// A node of the scene graph: a transform, child nodes, and the entities that stand at this place. A node has at most
-/// one parent; names need not be unique.
+/// A node of the scene graph: a transform, child nodes, and the entities that stand at this place. A node has
+/// at most one parent; names need not be unique.
 /// </summary>
 public class Node : SceneObject
 {
-    private readonly NodeList _children;
-    private readonly OwnedList<Entity> _entities;
-    private readonly List<Material> _materials = [];
+    // Most nodes have few of these, so each list is made when it is first asked for.
+    private NodeList? _children;
+    private EntityList? _entities;
+    private List<Material>? _materials;
+    private List<CustomObject>? _metaDatas;
     private GlobalTransform? _globalTransform;
 
     /// <summary>Makes a node with an empty name.</summary>
@@ -29,16 +31,13 @@ public class Node : SceneObject
         : this(name)
     {
         if (entity is not null)
-            _entities.Add(entity);
+            Entities.Add(entity);
     }
 
     /// <summary>Makes a node with a name.</summary>
     public Node(string name)
         : base(name)
     {
-        _children = new NodeList(this);
-        _entities = new OwnedList<Entity>(
-            entity => entity.Holders.Add(this), entity => entity.Holders.Remove(this), Holds);
     }
 
     /// <summary>What is known about the asset that this node stands for; null at first.</summary>
@@ -48,19 +47,20 @@ public class Node : SceneObject
     public bool Visible { get; set; } = true;
 
     /// <summary>The child nodes. A node that is added leaves its former parent.</summary>
-    public IList<Node> ChildNodes => _children;
+    public IList<Node> ChildNodes => Children;
 
-    /// <summary>The first entity, or null. Setting it makes that entity the only one; null removes all.</summary>
+    /// <summary>The first entity, or null. Setting it makes that entity the only one; null removes
+    /// all.</summary>
     public Entity? Entity
     {
-        get => _entities.Count > 0 ? _entities[0] : null;
+        get => _entities is { Count: > 0 } ? _entities[0] : null;
         set
         {
-            if (value is not null && _entities.Count == 1 && _entities[0] == value)
+            if (value is not null && _entities is { Count: 1 } && _entities[0] == value)
                 return;
-            _entities.Clear();
+            _entities?.Clear();
             if (value is not null)
-                _entities.Add(value);
+                Entities.Add(value);
         }
     }
 
@@ -68,32 +68,32 @@ public class Node : SceneObject
     public bool Excluded { get; set; }
 
     /// <summary>The entities; each stands in the list once.</summary>
-    public IList<Entity> Entities => _entities;
+    public IList<Entity> Entities => _entities ??= new EntityList(this);
 
     /// <summary>Objects with further data about the node.</summary>
-    public IList<CustomObject> MetaDatas { get; } = new List<CustomObject>();
+    public IList<CustomObject> MetaDatas => _metaDatas ??= [];
 
     /// <summary>The materials of the entities; material elements of a geometry index this list.</summary>
-    public IList<Material> Materials => _materials;
+    public IList<Material> Materials => _materials ??= [];
 
     /// <summary>The first material, or null. Setting it replaces the first one; null removes all.</summary>
     public Material? Material
     {
-        get => _materials.Count > 0 ? _materials[0] : null;
+        get => _materials is { Count: > 0 } ? _materials[0] : null;
         set
         {
             if (value is null)
-                _materials.Clear();
-            else if (_materials.Count > 0)
+                _materials?.Clear();
+            else if (_materials is { Count: > 0 })
                 _materials[0] = value;
             else
-                _materials.Add(value);
+                Materials.Add(value);
         }
     }
 
     /// <summary>The parent, or null. Setting it moves the node; null takes it out of the graph.</summary>
-    /// <exception cref="InvalidOperationException">The new parent is this node or stands below it, or this node is the
-    /// root of a scene.</exception>
+    /// <exception cref="InvalidOperationException">The new parent is this node or stands below it, or this
+    /// node is the root of a scene.</exception>
     public Node? ParentNode
     {
         get => Parent;
@@ -119,6 +119,11 @@ public class Node : SceneObject
 
     /// <summary>The parent as the child lists keep it.</summary>
     internal Node? Parent { get; set; }
+
+    /// <summary>Whether there is any child node; asking makes no list.</summary>
+    internal bool HasChildren => _children is { Count: > 0 };
+
+    private NodeList Children => _children ??= new NodeList(this);
 
     internal Node Top
     {
@@ -150,18 +155,18 @@ public class Node : SceneObject
     public Node CreateChildNode(string nodeName, Entity? entity, Material? material)
     {
         Node child = new(nodeName, entity) { Material = material };
-        _children.Add(child);
+        Children.Add(child);
         return child;
     }
 
     /// <summary>The child at a place, counted from 0.</summary>
     /// <exception cref="ArgumentOutOfRangeException">There is no such place.</exception>
-    public Node GetChild(int index) => _children[index];
+    public Node GetChild(int index) => Children[index];
 
     /// <summary>The first child of that name, or null.</summary>
     public Node? GetChild(string nodeName)
     {
-        foreach (Node child in _children)
+        foreach (Node child in Children)
         {
             if (child.Name == nodeName)
                 return child;
@@ -169,7 +174,8 @@ public class Node : SceneObject
         return null;
     }
 
-    /// <summary>Moves children, entities, materials and meta data of another node to this one, behind its own.</summary>
+    /// <summary>Moves children, entities, materials and meta data of another node to this one, behind its
+    /// own.</summary>
     /// <param name="node">The other node; it stays where it is, empty.</param>
     /// <exception cref="InvalidOperationException">This node is the other one or stands below it.</exception>
     public void Merge(Node node)
@@ -180,21 +186,22 @@ public class Node : SceneObject
             if (above == node)
                 throw new InvalidOperationException($"{node} cannot be merged into itself or a node below it.");
         }
-        foreach (Node child in Snapshot(node._children))
-            _children.Add(child);
-        foreach (Entity entity in Snapshot(node._entities))
+        foreach (Node child in Snapshot(node.ChildNodes))
+            Children.Add(child);
+        foreach (Entity entity in Snapshot(node.Entities))
             AddEntity(entity);
-        node._entities.Clear();
-        _materials.AddRange(node._materials);
-        node._materials.Clear();
+        node.Entities.Clear();
+        foreach (Material material in node.Materials)
+            Materials.Add(material);
+        node.Materials.Clear();
         foreach (CustomObject data in node.MetaDatas)
             MetaDatas.Add(data);
         node.MetaDatas.Clear();
     }
 
     /// <summary>The matrix that takes points of this node into the space of its scene.</summary>
-    /// <param name="withGeometricTransform">Whether the geometric transform of this node is included, as it is for
-    /// points of its entities.</param>
+    /// <param name="withGeometricTransform">Whether the geometric transform of this node is included, as it
+    /// is for points of its entities.</param>
     public Matrix4 EvaluateGlobalTransform(bool withGeometricTransform)
     {
         Matrix4 result = withGeometricTransform && Transform.HasGeometricTransform
@@ -206,8 +213,8 @@ public class Node : SceneObject
     }
 
     /// <summary>
-    /// The box, in the space of the scene, around the entities of this node and of all nodes below it. Excluded nodes
-    /// and entities are left out.
+    /// The box, in the space of the scene, around the entities of this node and of all nodes below it.
+    /// Excluded nodes and entities are left out.
     /// </summary>
     public BoundingBox GetBoundingBox()
     {
@@ -218,16 +225,18 @@ public class Node : SceneObject
         {
             if (at.Node.Excluded)
                 continue;
-            if (at.Node._entities.Count > 0)
+            if (at.Node._entities is { Count: > 0 } entities)
             {
                 Matrix4 matrix = at.Node.Transform.GeometricMatrix * at.Global;
-                foreach (Entity entity in at.Node._entities)
+                foreach (Entity entity in entities)
                 {
                     if (!entity.Excluded)
                         result = result.Merge(entity.GetBoundingBox().Transform(matrix));
                 }
             }
-            foreach (Node child in at.Node._children)
+            if (!at.Node.HasChildren)
+                continue;
+            foreach (Node child in at.Node.Children)
                 open.Push((child, child.Transform.TransformMatrix * at.Global));
         }
         return result;
@@ -237,14 +246,16 @@ public class Node : SceneObject
     public void AddEntity(Entity entity)
     {
         ArgumentNullException.ThrowIfNull(entity);
-        if (!Holds(entity))
+        _entities ??= new EntityList(this);
+        if (!_entities.Holds(entity))
             _entities.Add(entity);
     }
 
     /// <summary>Adds a child node, which leaves its former parent.</summary>
-    /// <exception cref="InvalidOperationException">The node is this one or stands above it, or is the root of a scene.
+    /// <exception cref="InvalidOperationException">The node is this one or stands above it, or is the root of
+    /// a scene.
     /// </exception>
-    public void AddChildNode(Node node) => _children.Add(node);
+    public void AddChildNode(Node node) => Children.Add(node);
 
     /// <summary>The first object that a path selects, or null.</summary>
     /// <param name="path">The path; <see cref="SelectObjects"/> tells its language.</param>
@@ -258,21 +269,24 @@ public class Node : SceneObject
 
     /// <summary>All objects that a path selects, each once.</summary>
     /// <remarks>
-    /// A path is steps with "/" between them, from this node on; with a "/" in front it starts at the top of the
-    /// graph. A step looks at the child nodes, entities and materials of what the step before selected, in this order;
-    /// after "//" it looks at any depth, in pre-order. A step is one of
+    /// A path is steps with "/" between them, from this node on; with a "/" in front it starts at the top of
+    /// the graph. A step looks at the child nodes, entities and materials of what the step before selected,
+    /// in this order; after "//" it looks at any depth, in pre-order. A step is one of
     /// <list type="bullet">
-    /// <item><c>name</c> or <c>"name"</c> or <c>'name'</c>: objects of this name; quotes allow any character;</item>
+    /// <item><c>name</c> or <c>"name"</c> or <c>'name'</c>: objects of this name; quotes allow any
+    /// character;</item>
     /// <item><c>*</c>: every object;</item>
-    /// <item><c>.</c>: the object itself; <c>..</c>: the parent node of a node, the nodes that hold an entity;</item>
+    /// <item><c>.</c>: the object itself; <c>..</c>: the parent node of a node, the nodes that hold an
+    /// entity;</item>
     /// </list>
     /// followed by any number of conditions, each applied to what the ones before left over:
     /// <list type="bullet">
-    /// <item><c>&lt;Type&gt;</c>: objects of this class or one derived from it, such as <c>&lt;Camera&gt;</c>;</item>
+    /// <item><c>&lt;Type&gt;</c>: objects of this class or one derived from it, such as
+    /// <c>&lt;Camera&gt;</c>;</item>
     /// <item><c>[n]</c>: the object at place n, counted from 0;</item>
     /// <item><c>[@Name]</c>: objects that have the property;</item>
-    /// <item><c>[@Name = value]</c>, also with !=, &lt;, &lt;=, &gt; and &gt;=: objects whose property compares so;
-    /// a value is a number, true, false or a text in quotes.</item>
+    /// <item><c>[@Name = value]</c>, also with !=, &lt;, &lt;=, &gt; and &gt;=: objects whose property
+    /// compares so; a value is a number, true, false or a text in quotes.</item>
     /// </list>
     /// Examples: <c>//*&lt;Camera&gt;</c>, <c>/Car/Wheel[2]</c>, <c>//*[@Visible = false]</c>.
     /// </remarks>
@@ -282,21 +296,16 @@ public class Node : SceneObject
     /// <summary>Empties the node and puts its transform back to the identity.</summary>
     internal void Reset()
     {
-        _children.Clear();
-        _entities.Clear();
-        _materials.Clear();
-        MetaDatas.Clear();
+        _children?.Clear();
+        _entities?.Clear();
+        _materials?.Clear();
+        _metaDatas?.Clear();
         AssetInfo = null;
         Visible = true;
         Excluded = false;
         Transform.Reset();
         ClearUserProperties();
     }
-
-    // A node may hold many entities and an entity may stand in many nodes; the shorter list is searched.
-    private bool Holds(Entity entity) => _entities.Count < entity.Holders.Count
-        ? _entities.Contains(entity)
-        : entity.Holders.Contains(this);
 
     private static T[] Snapshot<T>(IEnumerable<T> items) => [.. items];
 }

@@ -5,8 +5,8 @@ using System.Collections.ObjectModel;
 namespace Velbor.Voxlar;
 
 /// <summary>
-/// The children of a node. A node that enters leaves its former parent; one that is the owner itself, stands above it
-/// or is the root of a scene is refused.
+/// The children of a node. A node that enters leaves its former parent; one that is the owner itself, stands
+/// above it or is the root of a scene is refused.
 /// </summary>
 internal sealed class NodeList : Collection<Node>
 {
@@ -68,7 +68,7 @@ internal sealed class NodeList : Collection<Node>
             throw new InvalidOperationException(
                 "The root node of a scene cannot become a child; merge it into another node instead.");
         // Only a node with children can stand above another one.
-        bool leaf = item.ChildNodes.Count == 0;
+        bool leaf = !item.HasChildren;
         for (Node? node = _owner; node is not null; node = leaf ? null : node.Parent)
         {
             if (node == item)

@@ -88,8 +88,11 @@ internal sealed class NodeQuery
     {
         if (source is not Node node)
             yield break;
-        foreach (Node child in node.ChildNodes)
-            yield return child;
+        if (node.HasChildren)
+        {
+            foreach (Node child in node.ChildNodes)
+                yield return child;
+        }
         foreach (Entity entity in node.Entities)
             yield return entity;
         foreach (Material material in node.Materials)

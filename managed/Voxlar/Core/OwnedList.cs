@@ -4,25 +4,23 @@ using System.Collections.ObjectModel;
 
 namespace Velbor.Voxlar;
 
-/// <summary>A list that tells its owner what enters and leaves it. Null and doubles are refused.</summary>
-internal sealed class OwnedList<T> : Collection<T>
+/// <summary>A list that its owner watches. Null and doubles are refused.</summary>
+internal abstract class OwnedList<T> : Collection<T>
     where T : class
 {
-    private readonly Action<T> _entering;
-    private readonly Action<T> _left;
-    private readonly Predicate<T> _holds;
-
-    /// <summary>Makes an empty list.</summary>
-    /// <param name="entering">Called before an element enters; it may throw to refuse it.</param>
-    /// <param name="left">Called after an element has left.</param>
-    /// <param name="holds">A faster way to tell that the list holds an element; null for a search.</param>
-    public OwnedList(Action<T> entering, Action<T> left, Predicate<T>? holds = null)
+    protected OwnedList()
         : base(new List<T>())
     {
-        _holds = holds ?? Contains;
-        _entering = entering;
-        _left = left;
     }
+
+    /// <summary>Whether the list holds the element.</summary>
+    public virtual bool Holds(T item) => Contains(item);
+
+    /// <summary>Called before an element enters; it may throw to refuse it.</summary>
+    protected abstract void Entering(T item);
+
+    /// <summary>Called after an element has left.</summary>
+    protected abstract void Left(T item);
 
     protected override void InsertItem(int index, T item)
     {
@@ -37,14 +35,14 @@ internal sealed class OwnedList<T> : Collection<T>
             return;
         Admit(item);
         base.SetItem(index, item);
-        _left(old);
+        Left(old);
     }
 
     protected override void RemoveItem(int index)
     {
         T old = this[index];
         base.RemoveItem(index);
-        _left(old);
+        Left(old);
     }
 
     protected override void ClearItems()
@@ -52,14 +50,14 @@ internal sealed class OwnedList<T> : Collection<T>
         T[] old = [.. this];
         base.ClearItems();
         foreach (T item in old)
-            _left(item);
+            Left(item);
     }
 
     private void Admit(T item)
     {
         ArgumentNullException.ThrowIfNull(item);
-        if (_holds(item))
+        if (Holds(item))
             throw new ArgumentException($"The list holds {item} already.");
-        _entering(item);
+        Entering(item);
     }
 }

@@ -24,11 +24,13 @@ public abstract class Property : VbrObject
         }
     }
 
-    /// <summary>The value; an added property takes any object or null, an own one values of its type.</summary>
+    /// <summary>The value; an added property takes any object or null, an own one values of its
+    /// type.</summary>
     /// <exception cref="ArgumentException">An own property takes no such value.</exception>
     public abstract object? Value { get; set; }
 
-    /// <summary>The type of the value: the declared one, or that of the present value of an added property.</summary>
+    /// <summary>The type of the value: the declared one, or that of the present value of an added
+    /// property.</summary>
     public abstract Type ValueType { get; }
 
     internal VbrObject Owner { get; }

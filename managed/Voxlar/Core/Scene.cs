@@ -9,11 +9,12 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar;
 
-/// <summary>A scene: a graph of nodes, animation clips, poses, further objects and scenes inside the scene.</summary>
+/// <summary>A scene: a graph of nodes, animation clips, poses, further objects and scenes inside the
+/// scene.</summary>
 public class Scene : SceneObject
 {
-    private readonly OwnedList<Scene> _subScenes;
-    private readonly OwnedList<AnimationClip> _clips;
+    private readonly SubSceneList _subScenes;
+    private readonly ClipList _clips;
     private AnimationClip? _currentClip;
     private AssetInfo _assetInfo = new();
 
@@ -21,8 +22,8 @@ public class Scene : SceneObject
     public Scene()
         : base("")
     {
-        _subScenes = new OwnedList<Scene>(AdmitSubScene, scene => scene.OwnerScene = null);
-        _clips = new OwnedList<AnimationClip>(AdmitClip, RemoveClip);
+        _subScenes = new SubSceneList(this);
+        _clips = new ClipList(this);
         RootNode = new Node("") { OwnerScene = this };
     }
 
@@ -85,7 +86,8 @@ public class Scene : SceneObject
     /// <summary>The root of the graph; it stays the same object as long as the scene lives.</summary>
     public Node RootNode { get; }
 
-    /// <summary>Reads a scene from a stream, whose content tells the format. What the scene held is dropped.</summary>
+    /// <summary>Reads a scene from a stream, whose content tells the format. What the scene held is
+    /// dropped.</summary>
     /// <remarks>After a failure the scene is empty.</remarks>
     /// <param name="stream">The stream; it stays open.</param>
     /// <exception cref="ImportException">The content cannot be read.</exception>
@@ -97,8 +99,8 @@ public class Scene : SceneObject
 
     /// <summary>Reads a scene from a file. What the scene held is dropped.</summary>
     /// <remarks>
-    /// The content tells the format; where it does not, the options and then the extension do. Options of another
-    /// format than the content's are refused. After a failure the scene is empty.
+    /// The content tells the format; where it does not, the options and then the extension do. Options of
+    /// another format than the content's are refused. After a failure the scene is empty.
     /// </remarks>
     /// <param name="fileName">The name of the file.</param>
     /// <param name="options">How it is read; null for the defaults.</param>
@@ -132,7 +134,8 @@ public class Scene : SceneObject
     }
 
     /// <summary>Writes the scene to a file; the extension tells the format.</summary>
-    /// <remarks>The file, and those beside it, appear when all is written; a failure leaves what was there.</remarks>
+    /// <remarks>The file, and those beside it, appear when all is written; a failure leaves what was
+    /// there.</remarks>
     /// <exception cref="ExportException">The scene cannot be written.</exception>
     public void Save(string fileName) => SceneSaver.Save(this, fileName, null, null);
 
@@ -152,7 +155,8 @@ public class Scene : SceneObject
         SceneSaver.Save(this, fileName, options.FileFormat, options);
     }
 
-    /// <summary>Draws the scene into an image file of 1024 by 1024 pixels; the extension tells its format.</summary>
+    /// <summary>Draws the scene into an image file of 1024 by 1024 pixels; the extension tells its
+    /// format.</summary>
     /// <exception cref="NotSupportedException">Rendering is not available.</exception>
     public void Render(Camera camera, string fileName) => throw RenderingIsMissing();
 
@@ -193,7 +197,8 @@ public class Scene : SceneObject
         return null;
     }
 
-    /// <summary>Drops everything; only the name, the root node object and the place in a parent scene stay.</summary>
+    /// <summary>Drops everything; only the name, the root node object and the place in a parent scene
+    /// stay.</summary>
     public void Clear()
     {
         RootNode.Reset();
@@ -226,28 +231,4 @@ public class Scene : SceneObject
 
     private static NotSupportedException RenderingIsMissing() =>
         new("Rendering a scene into an image is not available in this version.");
-
-    private void AdmitSubScene(Scene scene)
-    {
-        for (Scene? above = this; above is not null; above = above.OwnerScene)
-        {
-            if (above == scene)
-                throw new InvalidOperationException("A scene cannot stand inside itself.");
-        }
-        scene.OwnerScene?.SubScenes.Remove(scene);
-        scene.OwnerScene = this;
-    }
-
-    private void AdmitClip(AnimationClip clip)
-    {
-        clip.OwnerScene?.AnimationClips.Remove(clip);
-        clip.OwnerScene = this;
-    }
-
-    private void RemoveClip(AnimationClip clip)
-    {
-        clip.OwnerScene = null;
-        if (_currentClip == clip)
-            _currentClip = null;
-    }
 }

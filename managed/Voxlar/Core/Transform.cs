@@ -5,14 +5,15 @@ namespace Velbor.Voxlar;
 /// <summary>The transform of a node relative to its parent, in parts. All angles are degrees.</summary>
 /// <remarks>
 /// <para>
-/// A point is scaled, then turned by the inverse of the post-rotation, by the rotation and by the pre-rotation, then
-/// translated. There are no pivots. Euler angles are applied about x, then y, then z. <see cref="EulerAngles"/> and
+/// A point is scaled, then turned by the inverse of the post-rotation, by the rotation and by the
+/// pre-rotation, then translated. There are no pivots. Euler angles are applied about x, then y, then z.
+/// <see cref="EulerAngles"/> and
 /// <see cref="Rotation"/> are two views of one rotation: setting one changes the other.
 /// </para>
 /// <para>
-/// Setting <see cref="TransformMatrix"/> sets translation, rotation and scale, and clears pre- and post-rotation. A
-/// matrix that these parts cannot express, a sheared or singular one, is kept as it is; the parts then hold the nearest
-/// values, and setting one of them drops the matrix in favour of the parts.
+/// Setting <see cref="TransformMatrix"/> sets translation, rotation and scale, and clears pre- and
+/// post-rotation. A matrix that these parts cannot express, a sheared or singular one, is kept as it is; the
+/// parts then hold the nearest values, and setting one of them drops the matrix in favour of the parts.
 /// </para>
 /// <para>The geometric transform moves the entities of the node and nothing below it.</para>
 /// </remarks>
@@ -100,7 +101,8 @@ public sealed class Transform : VbrObject
         }
     }
 
-    /// <summary>A rotation whose inverse works before <see cref="Rotation"/>: Euler angles in degrees.</summary>
+    /// <summary>A rotation whose inverse works before <see cref="Rotation"/>: Euler angles in
+    /// degrees.</summary>
     public Vector3 PostRotation
     {
         get => _postRotation;

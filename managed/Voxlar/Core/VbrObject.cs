@@ -3,7 +3,8 @@ using System;
 namespace Velbor.Voxlar;
 
 /// <summary>
-/// The base of all objects of a scene: a name, the object's own properties by name, and properties that the user adds.
+/// The base of all objects of a scene: a name, the object's own properties by name, and properties that the
+/// user adds.
 /// </summary>
 public class VbrObject : INamedObject
 {
@@ -42,10 +43,12 @@ public class VbrObject : INamedObject
     /// <returns>The value; null when there is no such property.</returns>
     public object? GetProperty(string property) => Properties.Get(property);
 
-    /// <summary>Sets the value of a property, and adds the property when there is none of that name.</summary>
+    /// <summary>Sets the value of a property, and adds the property when there is none of that
+    /// name.</summary>
     /// <param name="property">The name of the property.</param>
     /// <param name="value">The value; any object or null.</param>
-    /// <exception cref="ArgumentException">The name is empty, or an own property takes no such value.</exception>
+    /// <exception cref="ArgumentException">The name is empty, or an own property takes no such
+    /// value.</exception>
     public void SetProperty(string property, object? value) => Properties.Set(property, value);
 
     /// <summary>The property of that name, or null.</summary>

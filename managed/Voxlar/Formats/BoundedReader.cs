@@ -4,8 +4,8 @@ using System.Buffers.Binary;
 namespace Velbor.Voxlar.Formats;
 
 /// <summary>
-/// Reads binary values from memory. Every read and every announced count is held against the bytes that are left, so
-/// that a false count fails before anything is allocated for it.
+/// Reads binary values from memory. Every read and every announced count is held against the bytes that are
+/// left, so that a false count fails before anything is allocated for it.
 /// </summary>
 internal sealed class BoundedReader
 {

@@ -28,7 +28,7 @@ internal static partial class FormatDetector
         (true, (head, _, _) => head.StartsWith("AutoCAD Binary DXF"u8) ? FileFormat.DXF : null),
         (true, (head, _, _) => IsMayaBinary(head) ? FileFormat.MayaBinary : null),
         (true, (head, _, stream) => head.StartsWith("PK\u0003\u0004"u8) ? Archive(stream) : null),
-        (true, (head, _, _) => IsXFile(head) ? (HasWord(head, 8, "txt") ? FileFormat.XText : FileFormat.XBinary) : null),
+        (true, (head, _, _) => head.StartsWith("xof "u8) ? XFile(head) : null),
         (true, (head, _, _) => head.StartsWith("Version "u8) ? JtVersion(head) : null),
         (true, (head, _, _) => head.StartsWith("ply\n"u8) || head.StartsWith("ply\r"u8) ? FileFormat.PLY : null),
         (true, (_, text, _) => text.StartsWith("#VRML V2", StringComparison.Ordinal) ? FileFormat.VRML : null),
@@ -52,8 +52,10 @@ internal static partial class FormatDetector
     ];
 
     /// <summary>The format that the content shows.</summary>
-    /// <param name="stream">A seekable stream; it is looked at from its position on, which is put back.</param>
-    /// <param name="certain">Whether the content is marked; false for a guess from the look of a text.</param>
+    /// <param name="stream">A seekable stream; it is looked at from its position on, which is put
+    /// back.</param>
+    /// <param name="certain">Whether the content is marked; false for a guess from the look of a
+    /// text.</param>
     /// <returns>The format; null when the content shows none.</returns>
     public static FileFormat? ByContent(Stream stream, out bool certain)
     {
@@ -85,8 +87,9 @@ internal static partial class FormatDetector
 
     /// <summary>The format of a file by its content, by what the caller told, and by its name.</summary>
     /// <remarks>
-    /// What the content surely is comes first. A guess from the look of a text gives way to the told format and to
-    /// the extension, unless these name the same family, where the guess tells the version or the content.
+    /// What the content surely is comes first. A guess from the look of a text gives way to the told format
+    /// and to the extension, unless these name the same family, where the guess tells the version or the
+    /// content.
     /// </remarks>
     /// <returns>The format; null when nothing tells it.</returns>
     public static FileFormat? Decide(Stream stream, string? fileName, FileFormat? told)
@@ -104,7 +107,8 @@ internal static partial class FormatDetector
         return extension.Length > 1 ? FileFormat.GetFormatByExtension(extension) : null;
     }
 
-    // The head as text without byte-order mark and leading blanks; empty when it holds null characters, as no text does.
+    // The head as text without byte-order mark and leading blanks; empty when it holds null characters, as no
+    // text does.
     private static string Text(ReadOnlySpan<byte> head)
     {
         if (head.StartsWith((ReadOnlySpan<byte>)[0xff, 0xfe]))
@@ -208,11 +212,16 @@ internal static partial class FormatDetector
     }
 
     private static bool IsMayaBinary(ReadOnlySpan<byte> head) =>
-        (head.StartsWith("FOR4"u8) && HasWord(head, 8, "Maya")) || (head.StartsWith("FOR8"u8) && HasWord(head, 16, "Maya"));
+        (head.StartsWith("FOR4"u8) && HasWord(head, 8, "Maya"))
+        || (head.StartsWith("FOR8"u8) && HasWord(head, 16, "Maya"));
 
-    private static bool IsXFile(ReadOnlySpan<byte> head) =>
-        head.StartsWith("xof "u8) && (HasWord(head, 8, "txt") || HasWord(head, 8, "bin") || HasWord(head, 8, "tzip")
-            || HasWord(head, 8, "bzip"));
+    private static FileFormat? XFile(ReadOnlySpan<byte> head)
+    {
+        if (HasWord(head, 8, "txt"))
+            return FileFormat.XText;
+        bool binary = HasWord(head, 8, "bin") || HasWord(head, 8, "tzip") || HasWord(head, 8, "bzip");
+        return binary ? FileFormat.XBinary : null;
+    }
 
     private static bool HasWord(ReadOnlySpan<byte> head, int at, string word) =>
         head.Length >= at + word.Length && Encoding.Latin1.GetString(head.Slice(at, word.Length)) == word;

@@ -42,7 +42,8 @@ public class GltfSaveOptions : SaveOptions
     /// <summary>The name of the buffer file; null for the name of the scene file.</summary>
     public string? BufferFile { get; set; }
 
-    /// <summary>Whether added properties are written as extras; true at first, so that none is lost.</summary>
+    /// <summary>Whether added properties are written as extras; true at first, so that none is
+    /// lost.</summary>
     public bool SaveExtras { get; set; } = true;
 
     /// <summary>Whether the unit of the asset is applied to the scene.</summary>

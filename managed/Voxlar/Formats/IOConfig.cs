@@ -16,10 +16,12 @@ public abstract class IOConfig
     /// <summary>The name of the text encoding, such as "utf-8"; null for the format's own.</summary>
     public string? Encoding { get; set; }
 
-    /// <summary>Where files beside the scene file are read and written; null for the folder of the scene file.</summary>
+    /// <summary>Where files beside the scene file are read and written; null for the folder of the scene
+    /// file.</summary>
     public FileSystem? FileSystem { get; set; }
 
-    /// <summary>Folders in which files beside the scene file are looked for, after the folder of the scene file.
+    /// <summary>Folders in which files beside the scene file are looked for, after the folder of the scene
+    /// file.
     /// </summary>
     public List<string> LookupPaths
     {
@@ -27,7 +29,8 @@ public abstract class IOConfig
         set => _lookupPaths = value ?? [];
     }
 
-    /// <summary>The name of the scene file, for messages and as the place of the files beside it; null for none.
+    /// <summary>The name of the scene file, for messages and as the place of the files beside it; null for
+    /// none.
     /// </summary>
     public string? FileName { get; set; }
 }

@@ -36,8 +36,8 @@ internal static class OptionTable
     public static SaveOptions CreateSaveOptions(FileFormat format) =>
         Rows.GetValueOrDefault(format.FileFormatType)?.Save?.Invoke(format) ?? new SaveOptions(format);
 
-    /// <summary>Whether options may be used with a format: plain options of no format or of the same family, or those
-    /// of the format's own class.</summary>
+    /// <summary>Whether options may be used with a format: plain options of no format or of the same family,
+    /// or those of the format's own class.</summary>
     public static bool Fit(IOConfig options, FileFormat format)
     {
         if (options.FileFormat is { } told && told.FileFormatType != format.FileFormatType)

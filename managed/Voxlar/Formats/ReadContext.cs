@@ -5,7 +5,8 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats;
 
-/// <summary>What a reader is given besides the content: options, side files, limits and failure reports.</summary>
+/// <summary>What a reader is given besides the content: options, side files, limits and failure
+/// reports.</summary>
 internal sealed class ReadContext
 {
     /// <summary>How deep a file may nest its nodes, elements or values.</summary>
@@ -32,7 +33,8 @@ internal sealed class ReadContext
     /// <summary>The options that the caller gave, or the format's defaults.</summary>
     public LoadOptions Options { get; }
 
-    /// <summary>The name of the file without folder and extension; empty for a stream without a name.</summary>
+    /// <summary>The name of the file without folder and extension; empty for a stream without a
+    /// name.</summary>
     public string BaseName => Path.GetFileNameWithoutExtension(_path) ?? "";
 
     /// <summary>The options as the format's class; the defaults when the caller gave plain options.</summary>
@@ -77,10 +79,12 @@ internal sealed class ReadContext
     public byte[] ReadAll(Stream stream) => IOUtils.ReadToEnd(stream);
 
     /// <summary>
-    /// Opens a file that the file being read names: through the file system of the options, else in the folder of the
-    /// file, else in the lookup paths. Names that are absolute or lead out of these folders are refused.
+    /// Opens a file that the file being read names: through the file system of the options, else in the
+    /// folder of the file, else in the lookup paths. Names that are absolute or lead out of these folders are
+    /// refused.
     /// </summary>
-    /// <param name="name">The name as the file has it, with "/" or "\" between folders; no URI escapes.</param>
+    /// <param name="name">The name as the file has it, with "/" or "\" between folders; no URI
+    /// escapes.</param>
     /// <returns>The stream, which the caller disposes; null when there is no such file.</returns>
     /// <exception cref="ImportException">The name is refused or the file cannot be opened.</exception>
     public Stream? TryOpenSideFile(string name)
@@ -111,7 +115,8 @@ internal sealed class ReadContext
     }
 
     /// <summary>As <see cref="TryOpenSideFile"/>, for a file that must be there.</summary>
-    /// <exception cref="ImportException">The name is refused, or the file is missing or cannot be opened.</exception>
+    /// <exception cref="ImportException">The name is refused, or the file is missing or cannot be
+    /// opened.</exception>
     public Stream OpenSideFile(string name) =>
         TryOpenSideFile(name) ?? throw Error($"the file '{name}' that it names was not found");
 

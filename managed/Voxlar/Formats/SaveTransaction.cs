@@ -6,7 +6,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats;
 
 /// <summary>
-/// The files of one save. Each is written under a temporary name beside its place, or in memory, and gets its name in
+/// The files of one save. Each is written under a temporary name beside its place, or in memory, and gets its
+/// name in
 /// <see cref="Commit"/>. What was not committed is removed by <see cref="Dispose"/>.
 /// </summary>
 internal sealed class SaveTransaction : IDisposable
@@ -23,9 +24,11 @@ internal sealed class SaveTransaction : IDisposable
     public string? Folder { get; }
 
     /// <summary>Opens a temporary file that will become the file at the path.</summary>
-    /// <remarks>A link is followed, so that its target gets the content. A device is written to, not replaced.
+    /// <remarks>A link is followed, so that its target gets the content. A device is written to, not
+    /// replaced.
     /// </remarks>
-    /// <exception cref="UnauthorizedAccessException">There is such a file and it cannot be written.</exception>
+    /// <exception cref="UnauthorizedAccessException">There is such a file and it cannot be
+    /// written.</exception>
     public Stream Begin(string path)
     {
         if (new FileInfo(path).LinkTarget is not null)
@@ -47,7 +50,8 @@ internal sealed class SaveTransaction : IDisposable
     public Stream Begin(FileSystem fileSystem, string name, SaveOptions options) =>
         Deliver(() => fileSystem.WriteFile(name, options));
 
-    /// <summary>Gives all files their names; side files first, so that the main file, begun first, comes last.</summary>
+    /// <summary>Gives all files their names; side files first, so that the main file, begun first, comes
+    /// last.</summary>
     public void Commit()
     {
         foreach (Action deliver in _deliveries)

@@ -20,8 +20,8 @@ internal static class SceneLoader
             throw new ArgumentException("The stream cannot be read.", nameof(stream));
         fileName ??= string.IsNullOrEmpty(options?.FileName) ? null : options.FileName;
         string name = ReadContext.DisplayName(fileName);
-        // A reader seeks and reads in small pieces. Only files and memory stand that well, so other streams, which may
-        // call back into foreign code, are taken over first.
+        // A reader seeks and reads in small pieces. Only files and memory stand that well, so other streams,
+        // which may call back into foreign code, are taken over first.
         using MemoryStream? copy = stream is FileStream or MemoryStream && stream.Position == 0 ? null : new();
         if (copy is not null)
         {

@@ -32,7 +32,8 @@ internal sealed class WriteContext
     /// <summary>The options that the caller gave, or the format's defaults.</summary>
     public SaveOptions Options { get; }
 
-    /// <summary>The name of the file without folder and extension; empty for a stream without a name.</summary>
+    /// <summary>The name of the file without folder and extension; empty for a stream without a
+    /// name.</summary>
     public string BaseName => Path.GetFileNameWithoutExtension(_path) ?? "";
 
     /// <summary>Whether there is a place for files beside the main one.</summary>
@@ -62,12 +63,13 @@ internal sealed class WriteContext
     public ExportException Error(string reason, Exception? inner = null) => new($"{_name}: {reason}.", inner);
 
     /// <summary>
-    /// Makes a file beside the main one: through the file system of the options, else in the folder of the main file.
-    /// It appears under its name when all is written.
+    /// Makes a file beside the main one: through the file system of the options, else in the folder of the
+    /// main file. It appears under its name when all is written.
     /// </summary>
     /// <param name="name">A relative name that stays inside the folder.</param>
     /// <returns>The stream; the writer disposes it.</returns>
-    /// <exception cref="ExportException">There is no place for side files, or the name is refused.</exception>
+    /// <exception cref="ExportException">There is no place for side files, or the name is
+    /// refused.</exception>
     public Stream CreateSideFile(string name)
     {
         try

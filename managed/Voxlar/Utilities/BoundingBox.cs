@@ -4,7 +4,8 @@ using Velbor.Voxlar.Entities;
 
 namespace Velbor.Voxlar.Utilities;
 
-/// <summary>An axis-aligned box that is empty, finite or infinite. A box made without arguments is empty.</summary>
+/// <summary>An axis-aligned box that is empty, finite or infinite. A box made without arguments is
+/// empty.</summary>
 public struct BoundingBox : IEquatable<BoundingBox>
 {
     /// <summary>The box that holds nothing.</summary>

@@ -3,7 +3,8 @@ using System.Globalization;
 
 namespace Velbor.Voxlar.Utilities;
 
-/// <summary>An axis-aligned rectangle that is empty, finite or infinite. One made without arguments is empty.</summary>
+/// <summary>An axis-aligned rectangle that is empty, finite or infinite. One made without arguments is
+/// empty.</summary>
 public struct BoundingBox2D : IEquatable<BoundingBox2D>
 {
     /// <summary>The box that holds nothing.</summary>

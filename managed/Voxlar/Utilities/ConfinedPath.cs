@@ -10,8 +10,10 @@ internal static class ConfinedPath
     // As many as the kernel follows before it gives up.
     private const int MaxLinks = 40;
 
-    /// <summary>Splits a relative name into its parts, with '.' and '..' resolved; '\' counts as '/'.</summary>
-    /// <exception cref="UnauthorizedAccessException">The name is absolute or climbs above its start.</exception>
+    /// <summary>Splits a relative name into its parts, with '.' and '..' resolved; '\' counts as
+    /// '/'.</summary>
+    /// <exception cref="UnauthorizedAccessException">The name is absolute or climbs above its
+    /// start.</exception>
     /// <exception cref="ArgumentException">The name is null, empty or names no file.</exception>
     public static string[] Split(string fileName)
     {
@@ -38,7 +40,8 @@ internal static class ConfinedPath
         return [.. parts];
     }
 
-    /// <summary>The path of a relative name below a folder, which neither '..' nor a link can leave.</summary>
+    /// <summary>The path of a relative name below a folder, which neither '..' nor a link can
+    /// leave.</summary>
     /// <exception cref="UnauthorizedAccessException">The name leads out of the folder.</exception>
     public static string Resolve(string directory, string fileName)
     {
@@ -51,8 +54,8 @@ internal static class ConfinedPath
             : throw new UnauthorizedAccessException($"The file name '{fileName}' leads out of its folder.");
     }
 
-    // Where a path really lies: every link on the way is followed. A dangling link is followed too, since writing
-    // through it would make a file at its target; what does not exist is taken as it is.
+    // Where a path really lies: every link on the way is followed. A dangling link is followed too, since
+    // writing through it would make a file at its target; what does not exist is taken as it is.
     private static string RealPath(string path)
     {
         string start = Path.GetPathRoot(path)!;

@@ -20,7 +20,8 @@ public enum ComposeOrder
     Prepend = 1,
 }
 
-/// <summary>The order in which rotations about the fixed axes are applied; the first letter works first.</summary>
+/// <summary>The order in which rotations about the fixed axes are applied; the first letter works
+/// first.</summary>
 public enum RotationOrder
 {
     /// <summary>First about x, then y, then z.</summary>
@@ -38,8 +39,8 @@ public enum RotationOrder
 }
 
 /// <summary>
-/// The data type of a vertex field. The low four bits give the number of components, the bits above them the kind
-/// of a component: 1 single, 2 double, 3 byte, 4, 5 and 6 integers of 16, 32 and 64 bits.
+/// The data type of a vertex field. The low four bits give the number of components, the bits above them the
+/// kind of a component: 1 single, 2 double, 3 byte, 4, 5 and 6 integers of 16, 32 and 64 bits.
 /// </summary>
 public enum VertexFieldDataType
 {

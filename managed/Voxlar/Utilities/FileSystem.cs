@@ -4,7 +4,8 @@ using Velbor.Voxlar.Formats;
 
 namespace Velbor.Voxlar.Utilities;
 
-/// <summary>Where the files beside a scene file, such as textures and buffers, are read from and written to.</summary>
+/// <summary>Where the files beside a scene file, such as textures and buffers, are read from and written
+/// to.</summary>
 public abstract class FileSystem : IDisposable
 {
     /// <summary>For the file systems of this library and of its users.</summary>
@@ -18,7 +19,8 @@ public abstract class FileSystem : IDisposable
     /// <exception cref="FileNotFoundException">There is no such file.</exception>
     public abstract Stream ReadFile(string fileName, IOConfig? options);
 
-    /// <summary>Makes a file, or empties it, and opens it for writing; the caller disposes the stream.</summary>
+    /// <summary>Makes a file, or empties it, and opens it for writing; the caller disposes the
+    /// stream.</summary>
     /// <param name="fileName">The name of the file inside this file system.</param>
     /// <param name="options">The options of the read or write that needs the file; may be null.</param>
     public abstract Stream WriteFile(string fileName, IOConfig? options);

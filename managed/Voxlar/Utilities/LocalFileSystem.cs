@@ -4,7 +4,8 @@ using Velbor.Voxlar.Formats;
 
 namespace Velbor.Voxlar.Utilities;
 
-/// <summary>The files below one folder of the machine. No name reaches a file outside it, links included.</summary>
+/// <summary>The files below one folder of the machine. No name reaches a file outside it, links
+/// included.</summary>
 public class LocalFileSystem : FileSystem
 {
     private readonly string _directory;

@@ -36,6 +36,7 @@ public sealed class MathUtils
     public static Vector3 ToRadian(double x, double y, double z) => ToRadian(new Vector3(x, y, z));
 
     /// <summary>The value, moved to the nearer bound when it lies outside.</summary>
-    /// <exception cref="ArgumentException"><paramref name="min"/> is greater than <paramref name="max"/>.</exception>
+    /// <exception cref="ArgumentException"><paramref name="min"/> is greater than
+    /// <paramref name="max"/>.</exception>
     public static double Clamp(double val, double min, double max) => Math.Clamp(val, min, max);
 }

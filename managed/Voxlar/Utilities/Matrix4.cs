@@ -5,9 +5,9 @@ namespace Velbor.Voxlar.Utilities;
 
 /// <summary>A 4 by 4 matrix of double precision.</summary>
 /// <remarks>
-/// The library works with row vectors: a point p is transformed as p * M, the first three rows hold the images of the
-/// x, y and z axes, and the translation stands in the last row (<c>m30</c>, <c>m31</c>, <c>m32</c>). In a product
-/// A * B, and in <c>A.Concatenate(B)</c>, A works first. All angles are radians.
+/// The library works with row vectors: a point p is transformed as p * M, the first three rows hold the
+/// images of the x, y and z axes, and the translation stands in the last row (<c>m30</c>, <c>m31</c>,
+/// <c>m32</c>). In a product A * B, and in <c>A.Concatenate(B)</c>, A works first. All angles are radians.
 /// </remarks>
 public struct Matrix4 : IEquatable<Matrix4>
 {
@@ -227,8 +227,8 @@ public struct Matrix4 : IEquatable<Matrix4>
         m03, m13, m23, m33);
 
     /// <summary>
-    /// The same transform without its scale: the three axes get the length 1, all else stays. An axis of length 0
-    /// stays as it is.
+    /// The same transform without its scale: the three axes get the length 1, all else stays. An axis of
+    /// length 0 stays as it is.
     /// </summary>
     public readonly Matrix4 Normalize()
     {
@@ -299,8 +299,8 @@ public struct Matrix4 : IEquatable<Matrix4>
     /// <summary>Takes the matrix apart into scale, rotation and translation, applied in this order.</summary>
     /// <remarks>A mirroring matrix gives a negative x scale.</remarks>
     /// <returns>
-    /// True when the three parts give the matrix again; false when it is singular, sheared or projective. The parts
-    /// are then the nearest that could be found.
+    /// True when the three parts give the matrix again; false when it is singular, sheared or projective. The
+    /// parts are then the nearest that could be found.
     /// </returns>
     public readonly bool Decompose(out Vector3 translation, out Vector3 scaling, out Quaternion rotation)
     {

@@ -6,8 +6,8 @@ namespace Velbor.Voxlar.Utilities;
 /// <summary>A quaternion of double precision; one of length 1 stands for a rotation.</summary>
 /// <remarks>
 /// All angles are radians. Euler angles are applied first about x, then about y, then about z.
-/// <c>a.Concat(b)</c> does the rotation a first and then b, as <see cref="Matrix4.Concatenate"/> does; the product
-/// a * b is the product of quaternions and so does b first.
+/// <c>a.Concat(b)</c> does the rotation a first and then b, as <see cref="Matrix4.Concatenate"/> does; the
+/// product a * b is the product of quaternions and so does b first.
 /// </remarks>
 public struct Quaternion : IEquatable<Quaternion>
 {
@@ -123,7 +123,8 @@ public struct Quaternion : IEquatable<Quaternion>
         return new Quaternion(cos, unit.x * sin, unit.y * sin, unit.z * sin);
     }
 
-    /// <summary>The shortest rotation that turns the direction <paramref name="orig"/> into <paramref name="dest"/>.
+    /// <summary>The shortest rotation that turns the direction <paramref name="orig"/> into
+    /// <paramref name="dest"/>.
     /// </summary>
     public static Quaternion FromRotation(Vector3 orig, Vector3 dest)
     {

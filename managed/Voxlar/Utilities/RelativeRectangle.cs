@@ -4,7 +4,8 @@ using System.Globalization;
 namespace Velbor.Voxlar.Utilities;
 
 /// <summary>
-/// A rectangle relative to another one: each of its values is a share of the other's size plus an offset in pixels.
+/// A rectangle relative to another one: each of its values is a share of the other's size plus an offset in
+/// pixels.
 /// </summary>
 public struct RelativeRectangle : IEquatable<RelativeRectangle>
 {

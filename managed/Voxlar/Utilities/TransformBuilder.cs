@@ -2,7 +2,8 @@ using System;
 
 namespace Velbor.Voxlar.Utilities;
 
-/// <summary>Builds a matrix step by step; each step is added on the side that <see cref="ComposeOrder"/> names.</summary>
+/// <summary>Builds a matrix step by step; each step is added on the side that <see cref="ComposeOrder"/>
+/// names.</summary>
 public class TransformBuilder
 {
     /// <summary>Starts with a matrix.</summary>

@@ -69,8 +69,8 @@ public struct Vector3 : IEquatable<Vector3>, IComparable<Vector3>
     public readonly double Length => Math.Sqrt(Length2);
 
     /// <summary>
-    /// The signed angle from this direction to <paramref name="dir"/>, in radians from -pi to pi. It is positive when
-    /// the turn is counter-clockwise as seen from the tip of <paramref name="up"/>.
+    /// The signed angle from this direction to <paramref name="dir"/>, in radians from -pi to pi. It is
+    /// positive when the turn is counter-clockwise as seen from the tip of <paramref name="up"/>.
     /// </summary>
     public readonly double AngleBetween(Vector3 dir, Vector3 up)
     {
@@ -79,7 +79,8 @@ public struct Vector3 : IEquatable<Vector3>, IComparable<Vector3>
         return normal.Dot(up) < 0 ? -angle : angle;
     }
 
-    /// <summary>The angle between this direction and <paramref name="dir"/>, in radians from 0 to pi.</summary>
+    /// <summary>The angle between this direction and <paramref name="dir"/>, in radians from 0 to
+    /// pi.</summary>
     public readonly double AngleBetween(Vector3 dir) => Math.Atan2(Cross(dir).Length, Dot(dir));
 
     /// <summary>The dot product with <paramref name="rhs"/>.</summary>

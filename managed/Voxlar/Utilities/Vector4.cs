@@ -3,7 +3,8 @@ using System.Globalization;
 
 namespace Velbor.Voxlar.Utilities;
 
-/// <summary>Four coordinates of double precision: a homogeneous point or direction, or a colour with alpha.</summary>
+/// <summary>Four coordinates of double precision: a homogeneous point or direction, or a colour with
+/// alpha.</summary>
 /// <remarks>Where w is not given it is 1, so that the vector is a point.</remarks>
 public struct Vector4 : IEquatable<Vector4>, IComparable<Vector4>
 {

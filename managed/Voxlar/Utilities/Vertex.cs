@@ -4,8 +4,9 @@ using System.Buffers.Binary;
 namespace Velbor.Voxlar.Utilities;
 
 /// <summary>
-/// One vertex: bytes laid out by a <see cref="VertexDeclaration"/>. A field is read as any type of vector or number;
-/// components that the field does not have are 0, but w is 1, and byte colours are scaled to the range 0 to 1.
+/// One vertex: bytes laid out by a <see cref="VertexDeclaration"/>. A field is read as any type of vector or
+/// number; components that the field does not have are 0, but w is 1, and byte colours are scaled to the
+/// range 0 to 1.
 /// </summary>
 public sealed class Vertex : IComparable<Vertex>
 {

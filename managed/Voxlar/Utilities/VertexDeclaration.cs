@@ -6,8 +6,8 @@ using Velbor.Voxlar.Entities;
 namespace Velbor.Voxlar.Utilities;
 
 /// <summary>
-/// The layout of a vertex: fields one after the other without gaps. A declaration in use by a mesh is sealed and
-/// cannot change any more.
+/// The layout of a vertex: fields one after the other without gaps. A declaration in use by a mesh is sealed
+/// and cannot change any more.
 /// </summary>
 public class VertexDeclaration : IEnumerable<VertexField>, IComparable<VertexDeclaration>
 {
@@ -41,8 +41,8 @@ public class VertexDeclaration : IEnumerable<VertexField>, IComparable<VertexDec
     /// <param name="index">The index among the fields of the same semantic.</param>
     /// <param name="alias">The name of the field in a shader; may be null or empty.</param>
     /// <exception cref="InvalidOperationException">The declaration is sealed.</exception>
-    /// <exception cref="ArgumentException">The type or the semantic is none of its enum, the index is negative, or
-    /// there is such a field already.</exception>
+    /// <exception cref="ArgumentException">The type or the semantic is none of its enum, the index is
+    /// negative, or there is such a field already.</exception>
     public VertexField AddField(
         VertexFieldDataType dataType, VertexFieldSemantic semantic, int index, string? alias)
     {
@@ -61,8 +61,8 @@ public class VertexDeclaration : IEnumerable<VertexField>, IComparable<VertexDec
     }
 
     /// <summary>
-    /// The declaration that holds what a geometry has: the position and one field a vertex element that has vertex
-    /// data.
+    /// The declaration that holds what a geometry has: the position and one field a vertex element that has
+    /// vertex data.
     /// </summary>
     /// <param name="geometry">The geometry.</param>
     /// <param name="useFloat">True for fields of single precision, false for double precision.</param>

@@ -25,7 +25,8 @@ public sealed class VertexField : IComparable<VertexField>
     /// <summary>The name of the field in a shader; empty when it has none.</summary>
     public string Alias { get; }
 
-    /// <summary>The index among the fields of the same semantic, as for several texture coordinates.</summary>
+    /// <summary>The index among the fields of the same semantic, as for several texture
+    /// coordinates.</summary>
     public int Index { get; }
 
     /// <summary>The place of the field inside the vertex, in bytes.</summary>
@@ -36,7 +37,8 @@ public sealed class VertexField : IComparable<VertexField>
 
     internal int ComponentCount => (int)DataType & 15;
 
-    /// <summary>The size of one component in bytes; the kind of a component stands above the low four bits.</summary>
+    /// <summary>The size of one component in bytes; the kind of a component stands above the low four
+    /// bits.</summary>
     internal int ComponentSize => ((int)DataType >> 4) switch
     {
         1 => sizeof(float),

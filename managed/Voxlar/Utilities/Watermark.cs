@@ -4,7 +4,8 @@ using Velbor.Voxlar.Entities;
 namespace Velbor.Voxlar.Utilities;
 
 /// <summary>Hidden texts in meshes.</summary>
-/// <remarks>This build has no watermark codec; every method raises <see cref="NotSupportedException"/>.</remarks>
+/// <remarks>This build has no watermark codec; every method raises
+/// <see cref="NotSupportedException"/>.</remarks>
 public sealed class Watermark
 {
     private const string NotBuilt = "Watermarks in meshes are not available in this version.";

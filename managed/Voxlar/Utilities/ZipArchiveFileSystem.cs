@@ -7,8 +7,8 @@ using Velbor.Voxlar.Formats;
 namespace Velbor.Voxlar.Utilities;
 
 /// <summary>
-/// The files in a ZIP archive. An archive that is only read stays as it is; the first file that is written makes it
-/// an archive under change, which is stored when the file system is disposed.
+/// The files in a ZIP archive. An archive that is only read stays as it is; the first file that is written
+/// makes it an archive under change, which is stored when the file system is disposed.
 /// </summary>
 public class ZipArchiveFileSystem : FileSystem
 {
@@ -24,7 +24,8 @@ public class ZipArchiveFileSystem : FileSystem
     private ZipArchive? _archive;
     private bool _disposed;
 
-    /// <summary>Serves the files below one folder of the archive in a stream, which stays open afterwards.</summary>
+    /// <summary>Serves the files below one folder of the archive in a stream, which stays open
+    /// afterwards.</summary>
     /// <param name="stream">The archive; an empty stream that can be written starts a new one.</param>
     /// <param name="baseDir">The folder inside the archive; null or empty for its root.</param>
     public ZipArchiveFileSystem(Stream stream, string? baseDir)
@@ -49,7 +50,8 @@ public class ZipArchiveFileSystem : FileSystem
 
     /// <summary>Opens a file of the archive.</summary>
     /// <exception cref="FileNotFoundException">There is no such file.</exception>
-    /// <exception cref="InvalidDataException">The stream holds no ZIP archive or the file is damaged.</exception>
+    /// <exception cref="InvalidDataException">The stream holds no ZIP archive or the file is
+    /// damaged.</exception>
     public override Stream ReadFile(string fileName, IOConfig? options)
     {
         string key = Key(fileName);
@@ -84,7 +86,8 @@ public class ZipArchiveFileSystem : FileSystem
             _stream.Dispose();
     }
 
-    /// <summary>The names of the files below the base folder, relative to it, in the archive's order.</summary>
+    /// <summary>The names of the files below the base folder, relative to it, in the archive's
+    /// order.</summary>
     internal IEnumerable<string> EntryNames
     {
         get

@@ -5,8 +5,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Zip;
 
 /// <summary>
-/// Reads the scene inside an archive: the first file, in the archive's order, whose extension names a format that can
-/// be read. The files beside it are taken from the archive. An archive inside an archive is not looked into.
+/// Reads the scene inside an archive: the first file, in the archive's order, whose extension names a format
+/// that can be read. The files beside it are taken from the archive. An archive inside an archive is not
+/// looked into.
 /// </summary>
 internal sealed class ZipReader : ISceneReader
 {
@@ -16,7 +17,8 @@ internal sealed class ZipReader : ISceneReader
         string[] names = [.. archive.EntryNames];
         string name = names.FirstOrDefault(IsScene)
             ?? throw context.Error($"the archive holds no scene that can be read, among its {names.Length} files");
-        // The file system whose base is the folder of the scene file shares the stream; nothing is read at once.
+        // The file system whose base is the folder of the scene file shares the stream; nothing is read at
+        // once.
         using ZipArchiveFileSystem beside = new(stream, Path.GetDirectoryName(name));
         LoadOptions options = new(null) { FileSystem = beside, Encoding = context.Options.Encoding };
         using Stream content = archive.ReadFile(name, options);

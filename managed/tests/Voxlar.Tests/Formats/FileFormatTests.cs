@@ -133,7 +133,8 @@ public class FileFormatTests
     public void AssetBehindLongTablesIsFound()
     {
         string table = new('x', 300_000);
-        using MemoryStream stream = new(Encoding.UTF8.GetBytes($"{{\"extras\":\"{table}\",\"asset\":{{\"version\":\"2.0\"}}}}"));
+        string document = $"{{\"extras\":\"{table}\",\"asset\":{{\"version\":\"2.0\"}}}}";
+        using MemoryStream stream = new(Encoding.UTF8.GetBytes(document));
         Assert.Same(FileFormat.GLTF2, FileFormat.Detect(stream, null));
     }
 
@@ -176,7 +177,7 @@ public class FileFormatTests
             Assert.NotNull(format.FileFormatType);
             FileFormat? written = FileFormat.GetFormatByExtension(format.Extension);
             Assert.Same(format.FileFormatType, written?.FileFormatType);
-            Assert.Equal(typeof(FileFormat).IsAssignableFrom(field.FieldType), format.GetType() == field.FieldType);
+            Assert.Same(field.FieldType, format.GetType());
         }
         Assert.Equal(26, typeof(FileFormatType).GetFields(BindingFlags.Public | BindingFlags.Static).Length);
     }

@@ -158,7 +158,8 @@ public class RoundTripTests
                 Store(files, "a.glb", new byte[1 << 20]);
             archive = stream.ToArray();
         }
-        // The size in the central directory, whose entry begins with "PK\1\2" and holds it 24 bytes further on.
+        // The size in the central directory, whose entry begins with "PK\1\2" and holds it 24 bytes further
+        // on.
         int entry = archive.AsSpan().IndexOf("PK\u0001\u0002"u8);
         foreach (int announced in new[] { 1 << 30, (1 << 20) + 1 })
         {
