@@ -45,6 +45,7 @@ internal sealed class GltfAnimationReader
             AnimationClip clip = scene.CreateAnimationClip(json.StringOrNull("name") ?? string.Empty);
             Read(json, clip);
             GltfExtras.Read(json, clip);
+            GltfExtensionData.Read(json, clip);
         }
     }
 

@@ -65,6 +65,7 @@ internal sealed class GltfAnimationWriter
         json["samplers"] = samplers;
         if (saveExtras)
             GltfExtras.Write(json, clip);
+        GltfExtensionData.Write(document, json, clip);
         document.Add("animations", json);
 
         void WriteTransform(BindPoint point, Transform transform, int node)

@@ -37,7 +37,8 @@ internal static class GltfExtras
 
     private static string NameFor(VbrObject target, string name)
     {
-        bool isFree = name.Length > 0 && target.FindProperty(name) is null or UserProperty
+        // What looks like the data of an extension must not be taken for it on the way out.
+        bool isFree = name.Length > 0 && !GltfNames.TrySplitExtension(name, out _, out _) && target.FindProperty(name) is null or UserProperty
             && !name.StartsWith(Prefix, StringComparison.Ordinal) && name != GltfNames.Extras;
         return isFree ? name : Prefix + name;
     }
@@ -52,7 +53,7 @@ internal static class GltfExtras
         JsonNode? whole = null;
         foreach (Property property in source.Properties)
         {
-            if (property is not UserProperty || (hasOwnPlace is not null && hasOwnPlace(property.Name)))
+            if (property is not UserProperty || GltfExtensionData.IsData(property) || (hasOwnPlace is not null && hasOwnPlace(property.Name)))
                 continue;
             if (property.Name == GltfNames.Extras)
             {

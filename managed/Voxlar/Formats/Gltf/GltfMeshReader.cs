@@ -88,9 +88,18 @@ internal sealed class GltfMeshReader
                 throw first.Place.Child("targets").Fault("morph targets of lines are not supported");
             }
             ReadMeshExtras(json, entity);
+            ReadPrimitiveExtras(primitives, group, entity);
             content.Entities.Add(entity);
         }
         return content;
+    }
+
+    private static void ReadPrimitiveExtras(GltfPrimitive[] primitives, List<int> group, Entity entity)
+    {
+        List<object?> extras = group.ConvertAll(index =>
+            primitives[index].Json.TryGet(GltfNames.Extras, out GltfJson told) ? GltfValues.FromJson(told.Element) : null);
+        if (extras.Exists(static item => item is not null))
+            entity.SetProperty(GltfNames.PrimitiveExtras, extras);
     }
 
     // Compressed data may come with a plain copy, and then need not be understood; without one there is nothing to read.
@@ -106,6 +115,7 @@ internal sealed class GltfMeshReader
         // The names of morph targets are read as the names of the channels.
         if (json.TryGet(GltfNames.Extras, out GltfJson extras))
             GltfExtras.Read(extras, entity, "targetNames");
+        GltfExtensionData.Read(json, entity);
     }
 
     /// <summary>
@@ -251,7 +261,6 @@ internal sealed class GltfMeshReader
             if (semantic != GltfPrimitive.Position)
                 line.SetProperty(semantic, accessors.ReadAsStored(accessor));
         }
-        GltfExtras.Read(primitive.Json, line);
         return line;
     }
 

@@ -64,6 +64,10 @@ internal sealed class GltfMeshWriter
         return meshOf[key] = document.Add("meshes", json);
     }
 
+    /// <summary>Whether a property of an entity is written elsewhere than in the extras of its mesh.</summary>
+    internal static bool HasOwnPlace(string name) =>
+        name is GltfNames.MaterialIndex or GltfNames.PrimitiveExtras || GltfLines.IsAttribute(name);
+
     private string KeyOf(List<Entity> entities, IList<Material> nodeMaterials)
     {
         var key = new System.Text.StringBuilder();
@@ -87,7 +91,8 @@ internal sealed class GltfMeshWriter
         if (channels.Count > 0)
             json["weights"] = GltfValues.Factors(GltfMorphs.DefaultWeights(channels, context));
         if (options.SaveExtras)
-            GltfExtras.Write(json, entity, static name => name == GltfNames.MaterialIndex || GltfLines.IsAttribute(name));
+            GltfExtras.Write(json, entity, HasOwnPlace);
+        GltfExtensionData.Write(document, json, entity);
         if (!channels.Exists(static channel => channel.Name.Length > 0))
             return;
         var names = new JsonArray();
@@ -102,10 +107,11 @@ internal sealed class GltfMeshWriter
     {
         if (!dataOf.TryGetValue(geometry, out GltfGeometryData? data))
             dataOf[geometry] = data = new GltfGeometryData(geometry, document, options, context);
-        foreach (GltfGeometryPart part in data.Parts)
+        for (int i = 0; i < data.Parts.Count; i++)
         {
-            JsonObject primitive = data.ToPrimitive(part);
-            SetMaterial(primitive, part.Material, nodeMaterials);
+            JsonObject primitive = data.ToPrimitive(data.Parts[i]);
+            SetMaterial(primitive, data.Parts[i].Material, nodeMaterials);
+            SetExtras(primitive, geometry, i, data.Parts.Count);
             primitives.Add((JsonNode)primitive);
         }
     }
@@ -117,7 +123,17 @@ internal sealed class GltfMeshWriter
             primitive["material"] = materials.IndexOfColor(line.Color);
         else
             SetMaterial(primitive, line.GetProperty(GltfNames.MaterialIndex) is int slot ? slot : 0, nodeMaterials);
+        SetExtras(primitive, line, 0, 1);
         primitives.Add((JsonNode)primitive);
+    }
+
+    // Extras are kept as long as there are as many primitives as there were.
+    private void SetExtras(JsonObject primitive, Entity entity, int index, int count)
+    {
+        bool isTold = options.SaveExtras && entity.GetProperty(GltfNames.PrimitiveExtras) is IList<object?> list && list.Count == count
+            && list[index] is not null;
+        if (isTold)
+            primitive["extras"] = GltfValues.ToJson(((IList<object?>)entity.GetProperty(GltfNames.PrimitiveExtras)!)[index]);
     }
 
     private void SetMaterial(JsonObject primitive, int slot, IList<Material> nodeMaterials)

@@ -25,6 +25,7 @@ internal static class GltfNames
     internal const string Range = "Range";
     internal const string SkeletonRoot = "SkeletonRoot";
     internal const string MaterialIndex = "MaterialIndex";
+    internal const string PrimitiveExtras = "PrimitiveExtras";
     internal const string FreeAspectRatio = "FreeAspectRatio";
 
     /// <summary>Extras that are no JSON object stand under this name, since they have no names of their own.</summary>

@@ -133,6 +133,7 @@ internal sealed class GltfReader : ISceneReader
             if (json.TryGetExtension(GltfNames.NodeVisibility, out GltfJson visibility))
                 node.Visible = visibility.Bool("visible", true);
             GltfExtras.Read(json, node);
+            GltfExtensionData.Read(json, node);
             return node;
         }
 
@@ -216,6 +217,7 @@ internal sealed class GltfReader : ISceneReader
                 target.RootNode.AddChildNode(isTaken ? Copy(index) : nodes[index]);
             }
             GltfExtras.Read(json, target);
+            GltfExtensionData.Read(json, target);
         }
 
         // A node has one place, so a further scene that shows the same tree gets a copy of its nodes; entities stay shared.

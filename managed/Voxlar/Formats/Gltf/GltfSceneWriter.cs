@@ -171,6 +171,7 @@ internal sealed class GltfSceneWriter
             json["nodes"] = indices;
         if (options.SaveExtras)
             GltfExtras.Write(json, scene);
+        GltfExtensionData.Write(document, json, scene);
         document.Add("scenes", json);
     }
 
@@ -211,6 +212,7 @@ internal sealed class GltfSceneWriter
             document.AddExtension(json, GltfNames.NodeVisibility, new JsonObject { ["visible"] = false });
         if (options.SaveExtras)
             GltfExtras.Write(json, node);
+        GltfExtensionData.Write(document, json, node);
         if (children.Count > 0)
             json["children"] = children;
         Place place = new(this, json, nodeIndices[node], children, node.EvaluateGlobalTransform(true));
@@ -300,7 +302,7 @@ internal sealed class GltfSceneWriter
         List<MorphTargetChannel> channels = GltfMorphs.ChannelsOf(entity);
         var extras = new JsonObject();
         if (options.SaveExtras)
-            GltfExtras.Write(extras, entity, static name => name == GltfNames.MaterialIndex || GltfLines.IsAttribute(name));
+            GltfExtras.Write(extras, entity, GltfMeshWriter.HasOwnPlace);
         string weights = string.Join(' ', channels.ConvertAll(static channel => $"{channel.Name}={channel.ChannelWeight}"));
         string key = $"{entity.Name}|{joints}|{weights}|{extras.ToJsonString()}";
         List<Entity>? group = groups.Find(item => item.Key == key).Entities;
@@ -337,6 +339,8 @@ internal sealed class GltfSceneWriter
                 return entity;
             case IMeshConvertible convertible:
                 return Converted(entity, convertible.ToMesh);
+            case TriMesh triangles:
+                return Converted(entity, () => GltfTriMesh.ToMesh(triangles));
             case Curve curve:
                 return Converted(entity, () => Polyline(curve));
             default:

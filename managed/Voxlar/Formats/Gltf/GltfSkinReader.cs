@@ -41,6 +41,7 @@ internal sealed class GltfSkinReader
         foreach ((GltfPrimitive primitive, int start) in blocks)
             ReadWeights(primitive, start, bones, accessors);
         GltfExtras.Read(json, deformer);
+        GltfExtensionData.Read(json, deformer);
         return deformer;
     }
 

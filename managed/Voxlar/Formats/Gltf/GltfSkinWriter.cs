@@ -66,7 +66,8 @@ internal sealed class GltfSkinWriter
         json["joints"] = joints;
         if (saveExtras)
             GltfExtras.Write(json, skin, static name => name == GltfNames.SkeletonRoot);
-        key.Append(json["extras"]?.ToJsonString());
+        GltfExtensionData.Write(document, json, skin);
+        key.Append(json["extras"]?.ToJsonString()).Append(json["extensions"]?.ToJsonString());
         if (!written.TryGetValue(key.ToString(), out int index))
             written[key.ToString()] = index = document.Add("skins", json);
         return index;

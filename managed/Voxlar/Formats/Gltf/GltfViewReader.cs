@@ -85,6 +85,7 @@ internal sealed class GltfViewReader
                 throw json.Place.Child("type").Fault($"there is no camera type \"{type}\"");
         }
         GltfExtras.Read(json, camera);
+        GltfExtensionData.Read(json, camera);
         return camera;
     }
 

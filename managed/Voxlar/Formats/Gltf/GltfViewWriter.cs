@@ -86,6 +86,7 @@ internal sealed class GltfViewWriter
             WritePerspective(json, camera);
         if (options.SaveExtras)
             GltfExtras.Write(json, camera, static name => name == GltfNames.FreeAspectRatio);
+        GltfExtensionData.Write(document, json, camera);
         string key = json.ToJsonString();
         if (!cameraOf.TryGetValue(key, out int index))
             cameraOf[key] = index = document.Add("cameras", json);

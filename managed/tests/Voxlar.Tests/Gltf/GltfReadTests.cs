@@ -320,6 +320,27 @@ public class GltfReadTests
     }
 
     [Fact]
+    public void Extras_of_primitives_and_data_of_unknown_extensions_are_carried_on()
+    {
+        var sample = new GltfSample();
+        int position = sample.Triangle();
+        Scene scene = sample.Open($$$$$"""
+            "extensionsUsed": ["VENDOR_note", "VENDOR_link"], "materials": [{}, {}], "scenes": [{"nodes": [0]}],
+            "nodes": [{"mesh": 0, "extensions": {"VENDOR_note": {"text": "x", "share": 0.5}, "VENDOR_link": {"node": 0}}, "extras": {"KHR_like": 1}}],
+            "meshes": [{"primitives": [{"attributes": {"POSITION": {{{{{position}}}}}}, "material": 0},
+                                       {"attributes": {"POSITION": {{{{{position}}}}}}, "material": 1, "extras": {"part": "two"}}]}]
+            """);
+        var data = Assert.IsType<Dictionary<string, object?>>(First(scene).GetProperty("VENDOR_note"));
+        Assert.Equal("x", data["text"]);
+        // Numbers that may be indices would point elsewhere after writing.
+        Assert.Null(First(scene).GetProperty("VENDOR_link"));
+        Assert.Equal(1, First(scene).GetProperty("extras.KHR_like"));
+        var extras = Assert.IsType<List<object?>>(FirstMesh(scene).GetProperty("PrimitiveExtras"));
+        Assert.Null(extras[0]);
+        KeepsAll(scene);
+    }
+
+    [Fact]
     public void Cameras_look_where_their_node_does()
     {
         Scene scene = new GltfSample().Open("""

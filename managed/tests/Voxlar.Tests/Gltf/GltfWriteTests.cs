@@ -168,6 +168,22 @@ public class GltfWriteTests
     }
 
     [Fact]
+    public void A_mesh_of_raw_vertices_becomes_a_mesh()
+    {
+        Mesh mesh = Square();
+        var normals = new VertexElementNormal();
+        normals.SetData([.. Enumerable.Repeat(new Vector4(0, 0, 1, 0), 4)]);
+        mesh.AddElement(normals);
+        TriMesh raw = TriMesh.FromMesh(mesh, true);
+        raw.Name = "raw";
+        var after = Assert.IsType<Mesh>(First(Through(new Scene(raw))).Entity);
+        Assert.Equal("raw", after.Name);
+        Assert.Equal(2, after.PolygonCount);
+        Assert.Equal(4, after.ControlPoints.Count);
+        Assert.Equal(new Vector4(0, 0, 1, 0), ((VertexElementNormal)after.GetElement(VertexElementType.Normal)!).Data[0]);
+    }
+
+    [Fact]
     public void Curves_become_polylines_with_their_colour()
     {
         Scene after = Through(new Scene(new Circle(2) { Name = "round", Color = new Vector3(1, 0.5, 0) }));
