@@ -259,7 +259,7 @@ struct CollectionSlots {
     static PyObject* insert(PyObject* self, PyObject* arguments) {
         Py_ssize_t index = 0;
         In in{};
-        if (!PyArg_ParseTuple(arguments, "nO&", &index, &Element::convert, &in)) {
+        if (!read_insert_arguments(arguments, index, in)) {
             return nullptr;
         }
         Access::items().insert(fn_wrapper_handle(self), static_cast<int>(index), Element::pass(in));
@@ -332,7 +332,7 @@ struct CollectionSlots {
         In in{};
         Py_ssize_t start = 0;
         Py_ssize_t stop = 0;
-        if (!PyArg_ParseTuple(arguments, "O&|nn", &Element::convert, &in, &start, &stop)) {
+        if (!read_index_arguments(arguments, in, start, stop)) {
             return nullptr;
         }
         const Py_ssize_t given = PyTuple_GET_SIZE(arguments);
@@ -347,5 +347,25 @@ struct CollectionSlots {
             return nullptr;
         }
         return PyLong_FromLong(position);
+    }
+
+private:
+    // The usual calls are read without a format string; whatever else is given goes through the parse, which
+    // takes and refuses the same.
+
+    static bool read_insert_arguments(PyObject* arguments, Py_ssize_t& index, In& in) {
+        if (PyTuple_GET_SIZE(arguments) == 2 && PyLong_CheckExact(PyTuple_GET_ITEM(arguments, 0))) {
+            index = PyLong_AsSsize_t(PyTuple_GET_ITEM(arguments, 0));
+            return (index != -1 || PyErr_Occurred() == nullptr) &&
+                   Element::convert(PyTuple_GET_ITEM(arguments, 1), &in) != 0;
+        }
+        return PyArg_ParseTuple(arguments, "nO&", &index, &Element::convert, &in) != 0;
+    }
+
+    static bool read_index_arguments(PyObject* arguments, In& in, Py_ssize_t& start, Py_ssize_t& stop) {
+        if (PyTuple_GET_SIZE(arguments) == 1) {
+            return Element::convert(PyTuple_GET_ITEM(arguments, 0), &in) != 0;
+        }
+        return PyArg_ParseTuple(arguments, "O&|nn", &Element::convert, &in, &start, &stop) != 0;
     }
 };

@@ -323,7 +323,14 @@ for kind in growing:
     assert calls() == ['Insert(-1)']
     x.insert(100, 5)
     assert x[:] == [3, 1, 2, 9, 4, 5]
-    raises(TypeError, None, x.insert, 'x', 1)
+    raises(TypeError, "'str' object cannot be interpreted as an integer", x.insert, 'x', 1)
+    raises(OverflowError, 'Python int too large to convert to C ssize_t', x.insert, 2**70, 1)
+    raises(TypeError, 'unknown variant type', x.insert, 0, object())
+    class Index:
+        def __index__(self): return 0
+    x.insert(Index(), 'first')
+    x.insert(True, 'second')
+    assert x.pop(0) == 'first' and x.pop(0) == 'second'
     raises(TypeError, 'function takes exactly 2 arguments (1 given)', x.insert, 1)
     x.remove(9)
     raises(ValueError, 'list.remove(x): x not in list', x.remove, 9)
@@ -350,6 +357,7 @@ for kind in kinds:
     assert calls() == ['IndexBy(1,1,1,4)']
     raises(ValueError, 'value is not in list', x.index, 9)
     raises(ValueError, 'value is not in list', x.index, 3, 1)
+    raises(TypeError, 'function takes at least 1 argument (0 given)', x.index)
     raises(TypeError, "'NoneType' object cannot be interpreted as an integer", x.index, 1, 1, None)
     raises(TypeError, 'unknown variant type', x.index, object(), 'x')
     raises(TypeError, 'unknown variant type', x.count, object())
