@@ -19,6 +19,7 @@ from types import ModuleType
 from typing import Any, Callable, Dict, List, Optional, Set, Tuple
 
 import signatures
+from samples import CATALOGUE
 
 MISSING = -2146233069  # COR_E_MISSINGMETHOD as a signed status
 _FIRST_HANDLE = 0x10000
@@ -59,12 +60,8 @@ class ManagedSide:
             return name
         if name in self._short:
             return self._short[name]
-        for short, full in self._short.items():
-            if short.startswith(f"WrpCs_{name[:8]}_") and f"ctor_000_{name}" in self.classes[full]:
-                return full
-        matches = [full for short, full in self._short.items() if short.startswith(f"WrpCs_{name[:8]}_")]
-        assert len(matches) == 1, f"which managed class is '{name}'? {matches}"
-        return matches[0]
+        item = CATALOGUE.types.get(name) or CATALOGUE.enums[name]
+        return item.managed_class
 
     def answer(self, name: str, method: str, function: Callable[..., Any]) -> None:
         """Lets `function` answer the entry point; it gets the native arguments."""
@@ -144,7 +141,7 @@ class ManagedSide:
             return answer(*values)
         if name.endswith(".ExchangeHost"):
             return self._exchange(method, values)
-        if method in ("btp_TypeOf", "GetObjType", "GetStcType"):
+        if method in ("btp_TypeOf", "btp_GetType", "btp_AsUniEnum", "GetObjType", "GetStcType"):
             self.store(values[-1], "Q", self.new_handle())
             return 1
         if method == "GetEnumerator":
