@@ -96,7 +96,6 @@ public class CompositeCurve : Curve
         /// <summary>Whether the curve is run through from its begin to its end; true at first.</summary>
         public bool SameDirection { get; set; } = true;
 
-        internal Curve Checked =>
-            Curve ?? throw new InvalidOperationException("A segment of the composite curve has no curve.");
+        internal Curve Checked => Part(Curve);
     }
 }

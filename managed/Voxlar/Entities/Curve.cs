@@ -1,4 +1,6 @@
+using System;
 using System.Collections.Generic;
+using System.Runtime.CompilerServices;
 using Velbor.Voxlar.Render;
 using Velbor.Voxlar.Utilities;
 
@@ -81,6 +83,16 @@ public abstract class Curve : Entity
         return (low + high) / 2;
 
         double Distance(double parameter) => (PointAt(parameter) - point).Length2;
+    }
+
+    /// <summary>Gives a curve that this one is made of.</summary>
+    /// <param name="part">The curve, or null.</param>
+    /// <exception cref="InvalidOperationException">There is none.</exception>
+    /// <exception cref="InsufficientExecutionStackException">A curve is a part of itself.</exception>
+    internal static Curve Part(Curve? part)
+    {
+        RuntimeHelpers.EnsureSufficientExecutionStack();
+        return part ?? throw new InvalidOperationException("A curve that another is made of is missing.");
     }
 
     /// <summary>Parameters at whole multiples of a step, with the two ends.</summary>

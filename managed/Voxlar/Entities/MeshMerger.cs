@@ -14,17 +14,18 @@ internal sealed class MeshMerger
     /// <summary>
     /// Adds what can become a mesh on a node and below it; excluded nodes and entities are left out.
     /// </summary>
-    public void Add(Node node)
+    public void Add(Node root)
     {
-        if (node.Excluded || !_seen.Add(node))
-            return;
-        foreach (Entity entity in node.Entities)
+        foreach (Node node in NodeTree.Walk(root, skipExcluded: true))
         {
-            if (!entity.Excluded && entity is IMeshConvertible convertible)
-                _parts.Add(new Part(convertible.ToMesh(), node, node.EvaluateGlobalTransform(true)));
+            if (!_seen.Add(node))
+                continue;
+            foreach (Entity entity in node.Entities)
+            {
+                if (!entity.Excluded && entity is IMeshConvertible convertible)
+                    _parts.Add(new Part(convertible.ToMesh(), node, node.EvaluateGlobalTransform(true)));
+            }
         }
-        foreach (Node child in node.ChildNodes)
-            Add(child);
     }
 
     /// <summary>Makes the mesh. Elements that belong to edges are left out, as edges change.</summary>

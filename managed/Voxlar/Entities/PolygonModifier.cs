@@ -186,9 +186,8 @@ public class PolygonModifier
     public static void SplitMesh(Scene scene, SplitMeshPolicy policy, bool removeOldMesh)
     {
         ArgumentNullException.ThrowIfNull(scene);
-        List<Node> nodes = new();
-        Collect(scene.RootNode, nodes);
-        foreach (Node node in nodes)
+        // The list is made first, as splitting adds nodes.
+        foreach (Node node in new List<Node>(NodeTree.Walk(scene.RootNode, skipExcluded: false)))
             MeshSplitter.Split(node, policy, createChildNodes: true, removeOldMesh);
     }
 
@@ -258,10 +257,8 @@ public class PolygonModifier
     private static void ForEachMesh(Scene scene, Action<Mesh> action)
     {
         ArgumentNullException.ThrowIfNull(scene);
-        List<Node> nodes = new();
-        Collect(scene.RootNode, nodes);
         HashSet<Mesh> done = new();
-        foreach (Node node in nodes)
+        foreach (Node node in NodeTree.Walk(scene.RootNode, skipExcluded: false))
         {
             foreach (Entity entity in node.Entities)
             {
@@ -269,12 +266,5 @@ public class PolygonModifier
                     action(mesh);
             }
         }
-    }
-
-    private static void Collect(Node node, List<Node> nodes)
-    {
-        nodes.Add(node);
-        foreach (Node child in node.ChildNodes)
-            Collect(child, nodes);
     }
 }

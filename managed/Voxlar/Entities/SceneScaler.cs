@@ -10,22 +10,23 @@ internal sealed class SceneScaler(Vector3 scale)
     private readonly Dictionary<Entity, Entity> _done = new();
 
     /// <summary>Scales the places of a node and of all below it, and their geometries.</summary>
-    /// <param name="node">The node.</param>
+    /// <param name="root">The node.</param>
     /// <param name="moveNode">Whether the place of the node itself is scaled too.</param>
-    public void Apply(Node node, bool moveNode)
+    public void Apply(Node root, bool moveNode)
     {
-        if (moveNode)
-            node.Transform.Translation *= scale;
-        node.Transform.GeometricTranslation *= scale;
-        for (int i = 0; i < node.Entities.Count; ++i)
+        foreach (Node node in NodeTree.Walk(root, skipExcluded: false))
         {
-            Entity entity = node.Entities[i];
-            Entity scaled = Scaled(entity);
-            if (!ReferenceEquals(entity, scaled))
-                node.Entities[i] = scaled;
+            if (moveNode || node != root)
+                node.Transform.Translation *= scale;
+            node.Transform.GeometricTranslation *= scale;
+            for (int i = 0; i < node.Entities.Count; ++i)
+            {
+                Entity entity = node.Entities[i];
+                Entity scaled = Scaled(entity);
+                if (!ReferenceEquals(entity, scaled))
+                    node.Entities[i] = scaled;
+            }
         }
-        foreach (Node child in node.ChildNodes)
-            Apply(child, moveNode: true);
     }
 
     // An entity that several nodes share is scaled once. A body that is not made of control points becomes a

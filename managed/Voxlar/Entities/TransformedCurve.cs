@@ -1,4 +1,3 @@
-using System;
 using System.Collections.Generic;
 using Velbor.Voxlar.Utilities;
 
@@ -37,8 +36,7 @@ public class TransformedCurve : Curve
 
     internal override double Period => Basis.Period;
 
-    private Curve Basis =>
-        BasisCurve ?? throw new InvalidOperationException("The transformed curve has no basis.");
+    private Curve Basis => Part(BasisCurve);
 
     internal override Vector3 PointAt(double parameter) => Basis.PointAt(parameter) * TransformMatrix;
 

@@ -35,8 +35,7 @@ public class TrimmedCurve : Curve
 
     internal override double End => 1;
 
-    private Curve Basis =>
-        BasisCurve ?? throw new InvalidOperationException("The trimmed curve has no basis.");
+    private Curve Basis => Part(BasisCurve);
 
     internal override Vector3 PointAt(double parameter)
     {

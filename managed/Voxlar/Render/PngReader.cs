@@ -10,6 +10,9 @@ internal sealed class PngReader(Stream stream)
 {
     private const long MaximumPixels = 1L << 28;
 
+    /// <summary>More than the compression of the format can reach, which is about 1032.</summary>
+    private const long MaximumRatio = 1100;
+
     private const int Grey = 0;
     private const int Rgb = 2;
     private const int Palette = 3;
@@ -38,6 +41,10 @@ internal sealed class PngReader(Stream stream)
             (Rgb or Palette, false) => PixelFormat.R8G8B8,
             _ => PixelFormat.R8G8B8A8,
         };
+        // A header that promises far more than compressed data can hold would make room for nothing.
+        long promised = (long)_width * _height * Channels * _depth / 8;
+        if (promised > MaximumRatio * (_packed.Length + 64))
+            throw Damaged("it has too few pixels");
         TextureData texture = new(_width, _height, format);
         _packed.Position = 0;
         using ZLibStream zlib = new(_packed, CompressionMode.Decompress);

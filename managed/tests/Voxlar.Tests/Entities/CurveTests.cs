@@ -96,6 +96,20 @@ public class CurveTests
     }
 
     [Fact]
+    public void CurvesThatContainThemselvesAreRefused()
+    {
+        CompositeCurve composite = new();
+        composite.AddSegment(composite, true);
+        Assert.Throws<InsufficientExecutionStackException>(() => composite.Tessellate());
+        TransformedCurve transformed = new();
+        transformed.BasisCurve = transformed;
+        Assert.Throws<InsufficientExecutionStackException>(() => transformed.GetBoundingBox());
+        TrimmedCurve trimmed = new();
+        trimmed.BasisCurve = trimmed;
+        Assert.Throws<InsufficientExecutionStackException>(() => trimmed.PointAt(0));
+    }
+
+    [Fact]
     public void TransformedCurvesMove()
     {
         TransformedCurve curve = new(new Circle(1), Matrix4.Translate(5, 0, 0));

@@ -283,6 +283,20 @@ public class PolygonModifierTests
     }
 
     [Fact]
+    public void DeepTreesAreWalked()
+    {
+        Scene scene = new();
+        Node node = scene.RootNode;
+        for (int i = 0; i < 2_000; i++)
+            node = node.CreateChildNode();
+        node.AddEntity(new Box());
+        Assert.Equal(6, PolygonModifier.MergeMesh(scene).PolygonCount);
+        PolygonModifier.Scale(scene, new Vector3(2, 2, 2));
+        PolygonModifier.Triangulate(scene);
+        Assert.Equal(12, PolygonModifier.MergeMesh(scene).PolygonCount);
+    }
+
+    [Fact]
     public void ScalingKeepsTransformScales()
     {
         Scene scene = new();
@@ -315,6 +329,10 @@ public class PolygonModifierTests
         Assert.Equal(MappingMode.ControlPoint, normals.MappingMode);
         for (int i = 0; i < 8; i++)
             Close.To(new Vector3(box.ControlPoints[i]).Normalize(), new Vector3(normals.Data[i]));
+        // Weighted by angles, normals do not depend on how the sides are cut.
+        Mesh cut = PolygonModifier.Triangulate(box);
+        for (int i = 0; i < 8; i++)
+            Close.To(new Vector3(normals.Data[i]), new Vector3(PolygonModifier.GenerateNormal(cut).Data[i]));
         Assert.Same(box.GetElement(VertexElementType.Normal), box.VertexElements[0]);
     }
 

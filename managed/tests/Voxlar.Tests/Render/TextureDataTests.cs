@@ -205,6 +205,10 @@ public class TextureDataTests
             }
         }
         Assert.Throws<NotSupportedException>(() => TextureData.FromStream(new MemoryStream([1, 2, 3])));
+        byte[] huge = Png([0, 0, 0x40, 0, 0, 0, 0x40, 0, 8, 6, 0, 0, 0], Packed([0]));
+        long before = GC.GetAllocatedBytesForCurrentThread();
+        Assert.Throws<InvalidDataException>(() => TextureData.FromStream(new MemoryStream(huge)));
+        Assert.InRange(GC.GetAllocatedBytesForCurrentThread() - before, 0, 1_000_000);
     }
 
     [Fact]
