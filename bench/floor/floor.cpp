@@ -1,5 +1,6 @@
-// The floor that the benchmarks compare with: a hand-written extension of the plainest kind, whose methods forward
-// through a table of C functions to an object on the native heap and take their arguments with a format string.
+// The floor that the benchmarks compare with: a hand-written extension of the plainest kind, whose methods
+// forward through a table of C functions to an object on the native heap and take their arguments with a
+// format string.
 
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
@@ -32,10 +33,18 @@ struct Functions {
     void (*fail)(void*);
 };
 
-void* create() { return new Native; }
-void free_native(void* self) { delete static_cast<Native*>(self); }
-double get_x(void* self) { return static_cast<Native*>(self)->x; }
-void set_x(void* self, double x) { static_cast<Native*>(self)->x = x; }
+void* create() {
+    return new Native;
+}
+void free_native(void* self) {
+    delete static_cast<Native*>(self);
+}
+double get_x(void* self) {
+    return static_cast<Native*>(self)->x;
+}
+void set_x(void* self, double x) {
+    static_cast<Native*>(self)->x = x;
+}
 PyObject* get_name(void* self) {
     const std::u16string& name = static_cast<Native*>(self)->name;
     int order = -1;
@@ -52,9 +61,15 @@ void set_name(void* self, const void* characters, Py_ssize_t length, int size) {
         }
     }
 }
-int take_text(void*, const void*, Py_ssize_t length, int) { return static_cast<int>(length); }
-int take_object(void*, void* other) { return other != nullptr; }
-int length(void* self) { return static_cast<int>(static_cast<Native*>(self)->values.size()); }
+int take_text(void*, const void*, Py_ssize_t length, int) {
+    return static_cast<int>(length);
+}
+int take_object(void*, void* other) {
+    return other != nullptr;
+}
+int length(void* self) {
+    return static_cast<int>(static_cast<Native*>(self)->values.size());
+}
 int item(void* self, int index, double* out) {
     const std::vector<double>& values = static_cast<Native*>(self)->values;
     if (index < 0 || static_cast<std::size_t>(index) >= values.size()) {
@@ -68,10 +83,12 @@ int call_back(void*, PyObject* function) {
     Py_XDECREF(result);
     return result != nullptr;
 }
-void fail(void*) { PyErr_SetString(PyExc_RuntimeError, "it failed"); }
+void fail(void*) {
+    PyErr_SetString(PyExc_RuntimeError, "it failed");
+}
 
 // Volatile, so that the compiler cannot see through the pointers.
-const Functions table = {create,      free_native, get_x, set_x, get_name,  set_name,
+const Functions table = {create,    free_native, get_x,  set_x, get_name,  set_name,
                          take_text, take_object, length, item,  call_back, fail};
 const Functions* volatile functions = &table;
 
@@ -80,7 +97,9 @@ struct Floor {
     void* handle;
 };
 
-void* handle_of(PyObject* self) { return reinterpret_cast<Floor*>(self)->handle; }
+void* handle_of(PyObject* self) {
+    return reinterpret_cast<Floor*>(self)->handle;
+}
 
 PyTypeObject* floor_type = nullptr;
 
@@ -108,7 +127,9 @@ void floor_dealloc(PyObject* self) {
     Py_DECREF(type);
 }
 
-PyObject* floor_get_x(PyObject* self, void*) { return PyFloat_FromDouble(functions->get_x(handle_of(self))); }
+PyObject* floor_get_x(PyObject* self, void*) {
+    return PyFloat_FromDouble(functions->get_x(handle_of(self)));
+}
 
 int floor_set_x(PyObject* self, PyObject* value, void*) {
     const double x = PyFloat_AsDouble(value);
@@ -119,7 +140,9 @@ int floor_set_x(PyObject* self, PyObject* value, void*) {
     return 0;
 }
 
-PyObject* floor_get_name(PyObject* self, void*) { return functions->get_name(handle_of(self)); }
+PyObject* floor_get_name(PyObject* self, void*) {
+    return functions->get_name(handle_of(self));
+}
 
 int floor_set_name(PyObject* self, PyObject* value, void*) {
     if (!PyUnicode_Check(value)) {
@@ -168,7 +191,8 @@ PyObject* floor_overload(PyObject* self, PyObject* args, PyObject* kwargs) {
         Py_RETURN_NONE;
     }
     PyErr_Clear();
-    if (PyArg_ParseTupleAndKeywords(args, kwargs, "O!U", const_cast<char**>(two), floor_type, &other, &text)) {
+    if (PyArg_ParseTupleAndKeywords(args, kwargs, "O!U", const_cast<char**>(two), floor_type, &other,
+                                    &text)) {
         Py_RETURN_NONE;
     }
     PyErr_Clear();
@@ -184,7 +208,9 @@ PyObject* floor_fail(PyObject* self, PyObject*) {
     return nullptr;
 }
 
-Py_ssize_t floor_length(PyObject* self) { return functions->length(handle_of(self)); }
+Py_ssize_t floor_length(PyObject* self) {
+    return functions->length(handle_of(self));
+}
 
 PyObject* floor_item(PyObject* self, Py_ssize_t index) {
     double out = 0;
@@ -277,7 +303,8 @@ PyType_Slot iterator_slots[] = {
 };
 PyType_Spec iterator_spec = {"floor.Iterator", sizeof(FloorIterator), 0, Py_TPFLAGS_DEFAULT, iterator_slots};
 
-PyModuleDef definition = {PyModuleDef_HEAD_INIT, "floor", nullptr, -1, nullptr, nullptr, nullptr, nullptr, nullptr};
+PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT, "floor", nullptr, -1, nullptr, nullptr, nullptr, nullptr, nullptr};
 
 }  // namespace
 

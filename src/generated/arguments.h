@@ -5,22 +5,25 @@
 #include <array>
 #include <cstddef>
 
-// How a generated function takes its arguments. Every parameter has a keyword and an "O&" converter. A call that
-// gives each parameter once, by position or by a known keyword, is taken straight from the tuple and the dictionary;
-// every other call goes through PyArg_ParseTupleAndKeywords, whose messages stand as CPython writes them. The fast
-// way accepts exactly what the parse would accept, and a converter that refuses leaves the same exception on both.
+// How a generated function takes its arguments. Every parameter has a keyword and an "O&" converter. A call
+// that gives each parameter once, by position or by a known keyword, is taken straight from the tuple and the
+// dictionary; every other call goes through PyArg_ParseTupleAndKeywords, whose messages stand as CPython
+// writes them. The fast way accepts exactly what the parse would accept, and a converter that refuses leaves
+// the same exception on both.
 
 constexpr std::size_t max_parameters = 16;
 
-/// The keywords of one overload. The interned texts are made at the first call by keyword and live with the process.
+/// The keywords of one overload. The interned texts are made at the first call by keyword and live with the
+/// process.
 template <std::size_t N>
 struct ParameterNames {
     std::array<const char*, N + 1> texts;
     std::array<PyObject*, N> interned{};
 };
 
-/// Finds each of `count` parameters once in a positional tuple and a keyword dictionary (null or not). True when
-/// every parameter is there and nothing else is; `found` then holds borrowed references. No error is set.
+/// Finds each of `count` parameters once in a positional tuple and a keyword dictionary (null or not). True
+/// when every parameter is there and nothing else is; `found` then holds borrowed references. No error is
+/// set.
 bool fn_find_arguments(PyObject* args, PyObject* kwargs, const char* const* texts, PyObject** interned,
                        std::size_t count, PyObject** found);
 

@@ -45,7 +45,8 @@ Look look_at(const ParameterSpec& parameter, PyObject* value) {
             }
             return is_plain_type(type) ? Look::no : Look::unknown;
         case Accepts::variant:
-            return value == Py_None || (is_plain_type(type) && type != &PyDict_Type) ? Look::yes : Look::unknown;
+            return value == Py_None || (is_plain_type(type) && type != &PyDict_Type) ? Look::yes
+                                                                                     : Look::unknown;
         case Accepts::enumeration:
             return decided(type == *parameter.enum_type || PyType_IsSubtype(type, *parameter.enum_type));
         case Accepts::object:
@@ -66,7 +67,8 @@ Look look_at(const ParameterSpec& parameter, PyObject* value) {
             if (value == Py_None || type == &PyList_Type || type == &PyTuple_Type) {
                 return Look::yes;
             }
-            return type == &PyLong_Type || type == &PyFloat_Type || type == &PyBool_Type ? Look::no : Look::unknown;
+            return type == &PyLong_Type || type == &PyFloat_Type || type == &PyBool_Type ? Look::no
+                                                                                         : Look::unknown;
         case Accepts::by_list:
             return type == &PyList_Type ? Look::unknown : Look::no;
         case Accepts::anything:
@@ -154,7 +156,8 @@ public:
         for (std::size_t i = 0; i < m_values.size(); ++i) {
             PyObject* text = PyObject_Str(m_values[i]);
             if (text == nullptr) {
-                // A list with an empty slot could not be printed, so a failing __str__ leaves its class's name.
+                // A list with an empty slot could not be printed, so a failing __str__ leaves its class's
+                // name.
                 PyErr_Clear();
                 text = PyUnicode_FromString(Py_TYPE(m_values[i])->tp_name);
             }
@@ -174,14 +177,15 @@ private:
 
 }  // namespace
 
-bool fn_dispatch(PyClrObject* self, PyObject* args, PyObject* kwargs, const OverloadRow* rows, std::size_t count,
-                 PyObject** result, InheritedAttemptFn inherited) {
+bool fn_dispatch(PyClrObject* self, PyObject* args, PyObject* kwargs, const OverloadRow* rows,
+                 std::size_t count, PyObject** result, InheritedAttemptFn inherited) {
     if (const OverloadRow* chosen = choose(args, kwargs, rows, count)) {
         const Attempt attempt = chosen->attempt(self, args, kwargs, result);
         if (attempt != Attempt::refused) {
             return attempt == Attempt::done;
         }
-        // A value of the right type that the converter refuses all the same, such as an integer beyond its range.
+        // A value of the right type that the converter refuses all the same, such as an integer beyond its
+        // range.
         PyErr_Clear();
     }
     Refusals refusals;

@@ -5,10 +5,11 @@
 
 #include <cstddef>
 
-// How one Python callable stands for all overloads of a managed one. The told way tries the overloads in managed
-// order, each with its parse, and keeps a message for each refusal. Making those messages costs far more than the
-// call, so a quick look at the arguments' types comes first: an overload that surely refuses is passed over, and one
-// that surely accepts is called. Where a look cannot tell, the told way decides from the first overload on.
+// How one Python callable stands for all overloads of a managed one. The told way tries the overloads in
+// managed order, each with its parse, and keeps a message for each refusal. Making those messages costs far
+// more than the call, so a quick look at the arguments' types comes first: an overload that surely refuses is
+// passed over, and one that surely accepts is called. Where a look cannot tell, the told way decides from the
+// first overload on.
 
 /// What a parameter takes, as far as a look at a value's type can tell.
 enum class Accepts : unsigned char {
@@ -28,8 +29,8 @@ enum class Accepts : unsigned char {
     anything,  // never decided by a look
 };
 
-/// One parameter of an overload. `type` is the wrapper type; an enum's class exists only from the import on, so it
-/// is reached through `enum_type`.
+/// One parameter of an overload. `type` is the wrapper type; an enum's class exists only from the import on,
+/// so it is reached through `enum_type`.
 struct ParameterSpec {
     const char* name;
     Accepts accepts;
@@ -43,7 +44,8 @@ enum class Attempt : unsigned char {
     done,     // called; a method's result is stored, a constructor's handle is in the wrapper
 };
 
-/// Parses the arguments for one overload and calls it. `result` takes a method's result and is null for constructors.
+/// Parses the arguments for one overload and calls it. `result` takes a method's result and is null for
+/// constructors.
 using AttemptFn = Attempt (*)(PyClrObject* self, PyObject* args, PyObject* kwargs, PyObject** result);
 
 struct OverloadRow {
@@ -53,23 +55,24 @@ struct OverloadRow {
     PyObject** interned;  // `count` interned keywords, made when first needed
 };
 
-/// One more attempt behind the rows, of a base interface's method; it fills `error` with the exception value when it
-/// refuses.
+/// One more attempt behind the rows, of a base interface's method; it fills `error` with the exception value
+/// when it refuses.
 using InheritedAttemptFn = Attempt (*)(PyObject* self, PyObject* args, PyObject* kwargs, PyObject** error,
                                        PyObject** result);
 
-/// Calls the first overload that accepts. False leaves an exception set: that of the call, or a TypeError whose value
-/// is the list of all refusals.
-bool fn_dispatch(PyClrObject* self, PyObject* args, PyObject* kwargs, const OverloadRow* rows, std::size_t count,
-                 PyObject** result, InheritedAttemptFn inherited = nullptr);
+/// Calls the first overload that accepts. False leaves an exception set: that of the call, or a TypeError
+/// whose value is the list of all refusals.
+bool fn_dispatch(PyClrObject* self, PyObject* args, PyObject* kwargs, const OverloadRow* rows,
+                 std::size_t count, PyObject** result, InheritedAttemptFn inherited = nullptr);
 
 /// A method group's result: the call's, or null with an exception set.
 template <std::size_t N>
 PyObject* fn_dispatch_method(PyObject* self, PyObject* args, PyObject* kwargs, const OverloadRow (&rows)[N],
                              InheritedAttemptFn inherited = nullptr) {
     PyObject* result = nullptr;
-    return fn_dispatch(reinterpret_cast<PyClrObject*>(self), args, kwargs, rows, N, &result, inherited) ? result
-                                                                                                       : nullptr;
+    return fn_dispatch(reinterpret_cast<PyClrObject*>(self), args, kwargs, rows, N, &result, inherited)
+               ? result
+               : nullptr;
 }
 
 /// A constructor group's result: 0, or -1 with an exception set.

@@ -27,9 +27,9 @@ PyRef make_members(const EnumMember* members, std::size_t count, bool flags) {
 bool add_methods(PyTypeObject* type, const char* name, EnumMethod* methods) {
     for (std::size_t i = 0; i < enum_method_count; ++i) {
         PyMethodDef* definition = &methods[i].definition;
-        const PyRef descriptor = PyRef::steal(methods[i].is_instance
-                                                  ? PyShDescr_NewInstanceMethod(type, definition)
-                                                  : PyShDescr_NewStaticMethod(type, definition));
+        const PyRef descriptor =
+            PyRef::steal(methods[i].is_instance ? PyShDescr_NewInstanceMethod(type, definition)
+                                                : PyShDescr_NewStaticMethod(type, definition));
         if (!descriptor) {
             return false;
         }
@@ -43,10 +43,10 @@ bool add_methods(PyTypeObject* type, const char* name, EnumMethod* methods) {
 
 }  // namespace
 
-PyObject* fn_build_enum(PyTypeObject** variable, const char* name, const EnumMember* members, std::size_t count,
-                        bool flags, EnumMethod* methods) {
-    const PyRef base =
-        PyRef::steal(PyShImport_ImportType("enum", flags ? PyWrpIdTypeName_IntFlag : PyWrpIdTypeName_IntEnum));
+PyObject* fn_build_enum(PyTypeObject** variable, const char* name, const EnumMember* members,
+                        std::size_t count, bool flags, EnumMethod* methods) {
+    const PyRef base = PyRef::steal(
+        PyShImport_ImportType("enum", flags ? PyWrpIdTypeName_IntFlag : PyWrpIdTypeName_IntEnum));
     if (!base) {
         return nullptr;
     }

@@ -5,8 +5,9 @@
 
 #include <cstddef>
 
-// What the wrapped enums share. A managed enum is a real `enum.IntEnum` or `enum.IntFlag` class; native code makes
-// the class and puts the bridge's methods into its dictionary past the enum machinery, so that they become no members.
+// What the wrapped enums share. A managed enum is a real `enum.IntEnum` or `enum.IntFlag` class; native code
+// makes the class and puts the bridge's methods into its dictionary past the enum machinery, so that they
+// become no members.
 
 struct EnumMember {
     const char* name;
@@ -23,8 +24,8 @@ struct EnumMethod {
 constexpr std::size_t enum_method_count = 8;
 
 /// Makes the class `name`, keeps it in `variable` and gives a new reference, or null with an error set.
-PyObject* fn_build_enum(PyTypeObject** variable, const char* name, const EnumMember* members, std::size_t count,
-                        bool flags, EnumMethod* methods);
+PyObject* fn_build_enum(PyTypeObject** variable, const char* name, const EnumMember* members,
+                        std::size_t count, bool flags, EnumMethod* methods);
 
 /// The eight methods of one enum over its casts.
 template <class Casts>

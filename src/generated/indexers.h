@@ -4,8 +4,8 @@
 
 // What the types with a managed indexer share.
 
-/// The status of "btp_SqGetItem" and "btp_SqSetItem": 0 is success; 2 raises IndexError; with any other the exception
-/// is already set.
+/// The status of "btp_SqGetItem" and "btp_SqSetItem": 0 is success; 2 raises IndexError; with any other the
+/// exception is already set.
 inline bool fn_check_item_status(int status) {
     if (status == 2) {
         PyErr_SetString(PyExc_IndexError, "list index out of range");

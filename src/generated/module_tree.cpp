@@ -43,8 +43,8 @@ bool ready(PyTypeObject* type) {
     return true;
 }
 
-/// Readies the types of the module, and before each the types from elsewhere that its sets hold: a set cannot take a
-/// type that was never readied.
+/// Readies the types of the module, and before each the types from elsewhere that its sets hold: a set cannot
+/// take a type that was never readied.
 bool ready_types(const TypeRow* rows) {
     for (const TypeRow* row = rows; row->type != nullptr; ++row) {
         for (std::size_t i = 0; i < row->interface_count; ++i) {
@@ -162,7 +162,7 @@ PyObject* fn_build_module(const ModuleSpec& spec) {
         return nullptr;
     }
     const bool built = add_root_descriptors(module.get(), spec) && add_submodules(module.get(), spec) &&
-                       ready_types(spec.types) && add_enums(module.get(), spec) && add_types(module.get(), spec) &&
-                       add_statics(spec.types);
+                       ready_types(spec.types) && add_enums(module.get(), spec) &&
+                       add_types(module.get(), spec) && add_statics(spec.types);
     return built ? module.release() : nullptr;
 }

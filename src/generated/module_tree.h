@@ -4,8 +4,9 @@
 
 #include <cstddef>
 
-// How a public module comes about: a table of its types and enums, and one loop that readies, registers, marks and
-// attaches them in the order that the reports of a failed start count on. Each table ends with a row of nulls.
+// How a public module comes about: a table of its types and enums, and one loop that readies, registers,
+// marks and attaches them in the order that the reports of a failed start count on. Each table ends with a
+// row of nulls.
 
 /// One class, struct or interface.
 struct TypeRow {

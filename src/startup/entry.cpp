@@ -9,8 +9,9 @@
 #include "types.h"
 #include "wrappers/capsules.h"
 
-// The import, step by step; each step runs only when the one before it succeeded, and names itself by a code when it
-// fails. A failure after the runtime's start leaves the runtime up: it cannot be started twice in a process.
+// The import, step by step; each step runs only when the one before it succeeded, and names itself by a code
+// when it fails. A failure after the runtime's start leaves the runtime up: it cannot be started twice in a
+// process.
 
 namespace {
 
@@ -36,8 +37,8 @@ void take(Function*& target, void* word) {
 
 /// Takes the functions of velbor.pyreflection. 0, or -1 with a Python error set.
 int wrpPyl_ciap_1A881341_voxlar() {
-    const PyRef reflection =
-        PyRef::steal(PyShImport_ImportRefModule(module_name, "velbor.pyreflection", RefVer_pyreflec_C6067AD5));
+    const PyRef reflection = PyRef::steal(
+        PyShImport_ImportRefModule(module_name, "velbor.pyreflection", RefVer_pyreflec_C6067AD5));
     if (!reflection) {
         return -1;
     }

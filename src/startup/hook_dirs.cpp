@@ -30,16 +30,19 @@ PyObject* wrpPy_bltp_FFFFFFFF_get_pyinstaller_hook_dirs(PyObject*, PyObject*) {
 
 PyMethodDef wrpPy_mlmd_1A881341_voxlar[] = {
     {"get_pyinstaller_hook_dirs", wrpPy_bltp_FFFFFFFF_get_pyinstaller_hook_dirs, METH_NOARGS,
-     "Function required by PyInstaller. Returns paths to module\nPyInstaller hooks. Not intended to be called "
+     "Function required by PyInstaller. Returns paths to module\nPyInstaller hooks. Not intended to be "
+     "called "
      "explicitly.\n\n"},
     {nullptr, nullptr, 0, nullptr},
 };
 
 }  // namespace
 
-PyModuleDef wrpPy_mlds_1A881341_voxlar = fn_make_module_definition("velbor.voxlar", wrpPy_mlmd_1A881341_voxlar);
+PyModuleDef wrpPy_mlds_1A881341_voxlar =
+    fn_make_module_definition("velbor.voxlar", wrpPy_mlmd_1A881341_voxlar);
 
-PyObject* fn_get_pyinstaller_hook_dirs(PyModuleDef* definition, const char** names, long count, const char* tail) {
+PyObject* fn_get_pyinstaller_hook_dirs(PyModuleDef* definition, const char** names, long count,
+                                       const char* tail) {
     PyObject* module = PyState_FindModule(definition);
     const PyRef file = PyRef::steal(module == nullptr ? nullptr : PyModule_GetFilenameObject(module));
     if (!file) {

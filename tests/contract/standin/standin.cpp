@@ -1,10 +1,11 @@
-// A stand-in for the managed side, scripted from Python. One shared object plays two parts: it exports the symbols of
-// the wrap library, and it is the Python module `standin` by which a test says what each managed method does.
+// A stand-in for the managed side, scripted from Python. One shared object plays two parts: it exports the
+// symbols of the wrap library, and it is the Python module `standin` by which a test says what each managed
+// method does.
 //
-// Every entry point that the module under test binds becomes a libffi closure with the native signature that the
-// script gives. The closure hands its arguments to a Python callable and its result back. When the callable raises,
-// the exception stays pending and the entry point returns zero, or what the exception's attribute `result` says: that
-// is how a managed failure looks to native code.
+// Every entry point that the module under test binds becomes a libffi closure with the native signature that
+// the script gives. The closure hands its arguments to a Python callable and its result back. When the
+// callable raises, the exception stays pending and the entry point returns zero, or what the exception's
+// attribute `result` says: that is how a managed failure looks to native code.
 
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
@@ -22,7 +23,21 @@ PyObject* g_resolver = nullptr;  // owned; called with (assembly, class, method)
 std::vector<std::string>* g_wrap_calls = new std::vector<std::string>;  // lives with the process
 
 /// The C types of a signature: how libffi passes them and how the script sees them.
-enum class Form { nothing, int8, uint8, int16, uint16, int32, uint32, int64, uint64, real, single, pointer, object };
+enum class Form {
+    nothing,
+    int8,
+    uint8,
+    int16,
+    uint16,
+    int32,
+    uint32,
+    int64,
+    uint64,
+    real,
+    single,
+    pointer,
+    object
+};
 
 struct NamedForm {
     Form form;
@@ -108,8 +123,8 @@ PyObject* to_python(Form form, const void* value) {
     return nullptr;
 }
 
-/// Writes a Python value as a C value of at least eight bytes of room. A `PyObject*` gets a reference of its own; None
-/// stands for a null pointer only where `none_is_null` says so.
+/// Writes a Python value as a C value of at least eight bytes of room. A `PyObject*` gets a reference of its
+/// own; None stands for a null pointer only where `none_is_null` says so.
 bool from_python(Form form, PyObject* value, void* out, bool none_is_null) {
     switch (form) {
         case Form::nothing:
@@ -165,8 +180,8 @@ struct Signature {
             arguments.push_back(form);
             types.push_back(form.type);
         }
-        return ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()), result.type, types.data()) ==
-               FFI_OK;
+        return ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()), result.type,
+                            types.data()) == FFI_OK;
     }
 };
 
@@ -243,8 +258,8 @@ PyObject* set_resolver(PyObject*, PyObject* resolver) {
     Py_RETURN_NONE;
 }
 
-/// call(address, result, argument_types, arguments) -> (result, exception or None). Calls a native function as
-/// managed code would; a pending exception is taken off the error state.
+/// call(address, result, argument_types, arguments) -> (result, exception or None). Calls a native function
+/// as managed code would; a pending exception is taken off the error state.
 PyObject* call(PyObject*, PyObject* args) {
     PyObject *address = nullptr, *types = nullptr, *values = nullptr;
     const char* result_name = nullptr;
@@ -335,7 +350,8 @@ PyObject* wrap_calls(PyObject*, PyObject*) {
 
 PyMethodDef methods[] = {
     {"set_resolver", set_resolver, METH_O,
-     "set_resolver(callable): callable(assembly, class, method) gives an int status, or (result, argument types, "
+     "set_resolver(callable): callable(assembly, class, method) gives an int status, or (result, argument "
+     "types, "
      "callable)."},
     {"call", call, METH_VARARGS, "call(address, result, argument types, arguments) -> (result, exception)."},
     {"peek", peek, METH_VARARGS, "peek(address, size) -> bytes."},
@@ -346,8 +362,8 @@ PyMethodDef methods[] = {
     {nullptr, nullptr, 0, nullptr},
 };
 
-PyModuleDef definition = {PyModuleDef_HEAD_INIT, "standin", nullptr, -1, methods,
-                          nullptr, nullptr, nullptr, nullptr};
+PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT, "standin", nullptr, -1, methods, nullptr, nullptr, nullptr, nullptr};
 
 }  // namespace
 
@@ -358,14 +374,16 @@ __attribute__((visibility("default"))) int32_t coreclr_wrap_load(const char*) {
     return 1;
 }
 
-__attribute__((visibility("default"))) int32_t coreclr_wrap_initialize(const char*, const char*, int, const char**,
-                                                                       const char**) {
+__attribute__((visibility("default"))) int32_t coreclr_wrap_initialize(const char*, const char*, int,
+                                                                       const char**, const char**) {
     g_wrap_calls->emplace_back("coreclr_wrap_initialize");
     return 0;
 }
 
-__attribute__((visibility("default"))) int32_t coreclr_wrap_create_delegate(const char* assembly, const char* type,
-                                                                            const char* method, void** delegate) {
+__attribute__((visibility("default"))) int32_t coreclr_wrap_create_delegate(const char* assembly,
+                                                                            const char* type,
+                                                                            const char* method,
+                                                                            void** delegate) {
     constexpr int32_t missing = static_cast<int32_t>(0x80131513U);
     if (g_resolver == nullptr) {
         return missing;
