@@ -33,7 +33,7 @@ internal static class SceneLoader
             throw new ImportException($"{name}: it is empty.");
         FileFormat format = Decide(content, fileName, name, options);
         Func<ISceneReader> factory = FormatRegistry.Find(format).Reader
-            ?? throw new ImportException($"{name}: reading the format {format} is not supported.");
+            ?? throw new ImportException($"{name}: reading the format {format} (version {format.Version}) is not supported.");
         options ??= format.CreateLoadOptions();
         try
         {

@@ -46,10 +46,10 @@ public class LoadTests
         Assert.False(FileFormat.SiemensJT9.CanExport);
         using TemporaryFolder folder = new();
         File.WriteAllText(folder.File("a.jt"), "Version 9.5 JT ".PadRight(100));
-        Assert.EndsWith("reading the format SiemensJT9 is not supported.", Refusal(folder.File("a.jt")));
+        Assert.EndsWith("reading the format SiemensJT9 (version 9.0) is not supported.", Refusal(folder.File("a.jt")));
         // What the content surely is counts, not the name.
         File.WriteAllText(folder.File("a.obj"), "Version 9.5 JT ".PadRight(100));
-        Assert.EndsWith("reading the format SiemensJT9 is not supported.", Refusal(folder.File("a.obj")));
+        Assert.EndsWith("reading the format SiemensJT9 (version 9.0) is not supported.", Refusal(folder.File("a.obj")));
     }
 
     [Fact]

@@ -103,6 +103,7 @@ public class GltfAssetTests(ITestOutputHelper output)
             var e = Assert.Throws<ImportException>(() => new Scene(path));
             output.WriteLine(e.Message);
             Assert.Contains("GLTF", e.Message, StringComparison.OrdinalIgnoreCase);
+            Assert.Contains("1.0", e.Message, StringComparison.Ordinal);
         }
     }
 
