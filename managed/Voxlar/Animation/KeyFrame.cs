@@ -5,8 +5,8 @@ namespace Velbor.Voxlar.Animation;
 
 /// <summary>
 /// A value at a time, and the shape of the segment up to the next key. The constructor does not put the key
-/// into the sequence: add it to <see cref="KeyframeSequence.KeyFrames"/>, or use <see
-/// cref="KeyframeSequence.Add(double, float)"/>.
+/// into the sequence: add it to <see cref="KeyframeSequence.KeyFrames"/>, or let
+/// <see cref="KeyframeSequence.Add(double, float)"/> make it.
 /// </summary>
 public class KeyFrame
 {

@@ -41,7 +41,7 @@ internal sealed class ProfileOutline
         }
     }
 
-    /// <summary>Twice-signed-area formula halved: positive when the polygon runs counter-clockwise.</summary>
+    /// <summary>The area of a polygon, positive when it runs counter-clockwise.</summary>
     public static double SignedArea(IReadOnlyList<Vector2> polygon)
     {
         double sum = 0;
