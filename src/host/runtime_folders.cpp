@@ -98,8 +98,8 @@ bool get_major_netcore_path(const std::string& root, const std::string& file_nam
     std::sort(versions.begin(), versions.end(),
               [](const auto& left, const auto& right) { return left.first < right.first; });
     for (auto pair = versions.rbegin(); pair != versions.rend(); ++pair) {
-        const std::string candidate = root + '/' + pair->second;
-        if (is_file_exists(candidate + '/' + file_name)) {
+        const std::string candidate = build_path(root, pair->second);
+        if (is_file_exists(build_path(candidate, file_name))) {
             found = candidate;
             return true;
         }
@@ -109,7 +109,7 @@ bool get_major_netcore_path(const std::string& root, const std::string& file_nam
 
 void get_app_folders(const std::string& root, bool debug, std::vector<std::string>& folders) {
     for (const std::string& name : subfolders(root)) {
-        std::string path = root + '/' + name;
+        std::string path = build_path(root, name);
         if (debug) {
             path += kDebugFolder;
             if (!is_file_exists(path)) {
