@@ -1,4 +1,4 @@
-"""Managed collections as Python sees them, over the real runtime: against Python lists, in `for`, and as arguments."""
+"""Managed collections as Python sees them, over the real runtime: as lists, in `for`, and as arguments."""
 
 from __future__ import annotations
 
@@ -47,12 +47,18 @@ def operations(chance: random.Random, values: list[Any], size: int) -> dict[str,
     def extended(x: Any) -> None:
         x.extend(made(some))
 
+    def assigned(x: Any, written: list[Any]) -> None:
+        if type(x) is list:
+            assign_slice(x, key, written)
+        else:
+            x[key] = written
+
     return {
         "get": lambda x: x[place],
         "set": lambda x: x.__setitem__(place, value),
         "slice": lambda x: x[key],
-        "set_slice": lambda x: assign_slice(x, key, fitting) if type(x) is list else x.__setitem__(key, fitting),
-        "set_wrong": lambda x: assign_slice(x, key, some) if type(x) is list else x.__setitem__(key, some),
+        "set_slice": lambda x: assigned(x, fitting),
+        "set_wrong": lambda x: assigned(x, some),
         "count": lambda x: x.count(value),
         "index": lambda x: x.index(value, place),
         "contains": lambda x: value in x,
@@ -141,7 +147,8 @@ def test_enumerables_of_the_api() -> None:
     mesh.control_points.extend([Vector4(0.0, 0.0, 0.0, 1.0)] * 4)
     for polygon in ([0, 1, 2], (1, 2, 3)):
         mesh.create_polygon(polygon)
-    assert [[*polygon] for polygon in mesh] == [[0, 1, 2], [1, 2, 3]] == [[*polygon] for polygon in mesh.polygons]
+    assert [[*polygon] for polygon in mesh] == [[0, 1, 2], [1, 2, 3]]
+    assert [[*polygon] for polygon in mesh.polygons] == [[0, 1, 2], [1, 2, 3]]
     assert type(iter(mesh)).__name__ == "_IterWrapper_DAF680C1"
 
 

@@ -78,18 +78,19 @@ TEST_F(GenericWrappers, TheModuleAndItsTypes) {
 assert generic.__name__ == 'velbor.voxlar._wrpgen._generic'
 types = [t for n, t in vars(generic).items() if not n.startswith('__')]
 kinds = [t.__name__.split('Wrapper_')[0][1:] for t in types]
-assert len(types) == 82 and kinds == ['Array'] * 10 + ['IList'] * 25 + ['ICol'] * 2 + ['Iter'] * 39 + ['List'] * 6
+assert len(types) == 82
+assert kinds == ['Array'] * 10 + ['IList'] * 25 + ['ICol'] * 2 + ['Iter'] * 39 + ['List'] * 6
 assert [t.__name__ for t in types[:4]] == ['_ArrayWrapper_1BA766B5', '_ArrayWrapper_A4A29720',
                                            '_ArrayWrapper_57AC8DC4', '_ArrayWrapper_CBE911FC']
 tail = ['get_type', '_type_of', '_cast_to', '_cast_from', '_reinterpret_obj', '_cast_as', '_is_assignable']
 own = {
     'Array': ['index', 'count', 'sort', 'reverse', 'copy', 'contains'],
-    'IList': ['extend', 'insert', 'pop', 'index', 'count', 'sort', 'reverse', 'copy', 'append', 'remove', 'clear',
-              'contains'],
+    'IList': ['extend', 'insert', 'pop', 'index', 'count', 'sort', 'reverse', 'copy', 'append', 'remove',
+              'clear', 'contains'],
     'ICol': ['append', 'remove', 'clear', 'extend', 'contains', 'count', 'copy'],
     'Iter': ['__enter__', '__exit__'],
-    'List': ['extend', 'append', 'insert', 'remove', 'pop', 'clear', 'index', 'count', 'sort', 'reverse', 'copy',
-             'contains'],
+    'List': ['extend', 'append', 'insert', 'remove', 'pop', 'clear', 'index', 'count', 'sort', 'reverse',
+             'copy', 'contains'],
 }
 Method = (type(str.upper), type(vars(str)['maketrans']))
 interfaces = (interop._IterableWrapper, interop._IColWrapper, interop._IListWrapper)
@@ -270,7 +271,8 @@ TEST_F(GenericWrappers, ArgumentConverters) {
 calls()
 arrays = {'array_1BA766B5': generic._ArrayWrapper_1BA766B5, 'array_A4A29720': generic._ArrayWrapper_A4A29720}
 for name, own in arrays.items():
-    assert convert(name, None) == (0, 'null') and convert(name, make(own, [])) == (0, 'handle') and calls() == []
+    assert convert(name, None) == (0, 'null')
+    assert convert(name, make(own, [])) == (0, 'handle') and calls() == []
     assert convert(name, []) == (2, 'object') and convert(name, (1,)) == (3, 'object')
     raises(TypeError, "can't build Array value from 'set'", convert, name, {1})
     setting('assignable', 0)
@@ -306,7 +308,8 @@ calls()
 assert convert('iterable_361B67C0', y) == (0, 'handle')
 text = "can't build IEnumerable value from '%s'"
 raises(TypeError, text % 'fake.Node', convert, 'iterable_361B67C0', node(1))
-raises(TypeError, text % 'velbor.voxlar._wrpgen._generic._ArrayWrapper_361B67C0', convert, 'iterable_9F9569E6', y)
+other = text % 'velbor.voxlar._wrpgen._generic._ArrayWrapper_361B67C0'
+raises(TypeError, other, convert, 'iterable_9F9569E6', y)
 raises(TypeError, text % 'int', convert, 'iterable_9F9569E6', 5)
 assert convert('iterable_9F9569E6', None) == (0, 'null')
 assert convert('iterable_9F9569E6', iter([])) == convert('iterable_9F9569E6', ()) == (2, 'object')
@@ -321,7 +324,8 @@ raises(TypeError, "can't build Array value from 'set'", convert, name, {True})
 # This one is not offered by the managed side at all, which shows when it is needed.
 error = raises(TypeError, None, convert, 'array_110A8374', node(1))
 assert str(error) == ("While initializing the host for the 'Velbor.WrpGen.Generic.SiApiArray_110A8374 "
-    "(Assembly=WrpInterop.Velbor.Voxlar)' type, an error occurred - Method 'SqLength' not found (error=-2146233069)")
+    "(Assembly=WrpInterop.Velbor.Voxlar)' type, an error occurred - Method 'SqLength' not found "
+    '(error=-2146233069)')
 assert convert('array_110A8374', [1]) == (2, 'object')
 )py");
 }

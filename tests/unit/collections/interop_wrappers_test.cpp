@@ -106,14 +106,15 @@ assert names == ['_IDisposableWrapper', '_IterWrapper', '_IterableWrapper', '_IC
                  '_RoColBaseWrapper', '_ColBaseWrapper', '_ArrayWrapper', '_ArrListWrapper', '_ShlBufferView',
                  '_StreamWrapper'], names
 tail = ['get_type', '_type_of', '_cast_to', '_cast_from', '_is_assignable', '_reinterpret_obj', '_cast_as']
-listed = ['append', 'insert', 'extend', 'remove', 'pop', 'clear', 'index', 'count', 'contains', 'sort', 'reverse', 'copy']
+listed = ['append', 'insert', 'extend', 'remove', 'pop', 'clear', 'index', 'count', 'contains', 'sort',
+          'reverse', 'copy']
 own = {
     '_IDisposableWrapper': ['__enter__', '__exit__'], '_IterWrapper': [], '_IterableWrapper': [],
     '_IColWrapper': ['count', 'copy', 'contains'], '_IListWrapper': listed,
     '_RoColBaseWrapper': ['count', 'copy', 'contains'], '_ColBaseWrapper': listed,
     '_ArrayWrapper': ['index', 'count', 'sort', 'reverse', 'copy', 'contains'],
-    '_ArrListWrapper': ['extend', 'append', 'insert', 'remove', 'pop', 'clear', 'index', 'count', 'sort', 'reverse',
-                        'copy', 'contains'],
+    '_ArrListWrapper': ['extend', 'append', 'insert', 'remove', 'pop', 'clear', 'index', 'count', 'sort',
+                        'reverse', 'copy', 'contains'],
 }
 Method = (type(str.upper), type(vars(str)['maketrans']))
 for name, methods in own.items():
@@ -156,7 +157,8 @@ TEST_F(InteropWrappers, AParentThatRefusesIsReported) {
     const PyRef no_module = eval("5");
     EXPECT_EQ(wrpPye_mlit_FFFFFFFF_common_wrappers(no_module.get()), nullptr);
     EXPECT_EQ(take_error(),
-              "ImportError: Module initialization internal error (-1002) <velbor.voxlar,velbor.voxlar._wrpgen>");
+              "ImportError: Module initialization internal error (-1002) "
+              "<velbor.voxlar,velbor.voxlar._wrpgen>");
 }
 
 TEST_F(InteropWrappers, IterationCrossesOnceAnElement) {
@@ -199,8 +201,8 @@ raises(RuntimeError, 'managed failure', d.__exit__)
 
 TEST_F(InteropWrappers, Casts) {
     run(R"py(
-interfaces = [interop._IDisposableWrapper, interop._IterWrapper, interop._IterableWrapper, interop._IColWrapper,
-              interop._IListWrapper]
+interfaces = [interop._IDisposableWrapper, interop._IterWrapper, interop._IterableWrapper,
+              interop._IColWrapper, interop._IListWrapper]
 classes = [interop._ArrayWrapper, interop._ArrListWrapper, interop._ColBaseWrapper, interop._RoColBaseWrapper]
 for t in interfaces + classes:
     x = make(interop._IListWrapper, [1])
@@ -225,7 +227,8 @@ for t in interfaces:
 for t in classes:
     y = t._reinterpret_obj(node(5))
     assert type(y) is t
-    raises(TypeError, '_reinterpret_obj() expects a .Net Object argument, got a int object', t._reinterpret_obj, 5)
+    raises(TypeError, '_reinterpret_obj() expects a .Net Object argument, got a int object',
+           t._reinterpret_obj, 5)
 )py");
 }
 
@@ -234,8 +237,8 @@ TEST_F(InteropWrappers, InterfaceArguments) {
 names = {'iter': ('_IterWrapper', 'IEnumerator'), 'iterable': ('_IterableWrapper', 'IEnumerable'),
          'idisposable': ('_IDisposableWrapper', 'IDisposable'), 'icollection': ('_IColWrapper', 'List'),
          'ilist': ('_IListWrapper', 'List')}
-listing = {'_IterableWrapper': ['_IColWrapper', '_IListWrapper', '_ColBaseWrapper', '_ArrayWrapper', '_ArrListWrapper',
-                                '_RoColBaseWrapper'],
+listing = {'_IterableWrapper': ['_IColWrapper', '_IListWrapper', '_ColBaseWrapper', '_ArrayWrapper',
+                                '_ArrListWrapper', '_RoColBaseWrapper'],
            '_IColWrapper': ['_IListWrapper', '_ColBaseWrapper', '_RoColBaseWrapper', '_ArrayWrapper'],
            '_IListWrapper': ['_ColBaseWrapper', '_ArrayWrapper', '_ArrListWrapper']}
 for name, (own, text) in names.items():
@@ -261,7 +264,9 @@ class Sized(Items):
     def __len__(self): return 0
 class OwnList(list): pass
 def refused(name, *objects):
-    for o in objects: raises(TypeError, f"can't build {names[name][1]} value from '{type(o).__name__}'", convert, name, o)
+    for o in objects:
+        text = f"can't build {names[name][1]} value from '{type(o).__name__}'"
+        raises(TypeError, text, convert, name, o)
 def taken(name, kind, *objects):
     for o in objects: assert convert(name, o) == (kind, 'object'), (name, o)
 taken('iter', 2, iter(range(3)), (i for i in ()))
@@ -280,7 +285,8 @@ refused('ilist', {}, {1}, (i for i in ()))
 TEST_F(InteropWrappers, ClassArguments) {
     run(R"py(
 names = {'array': ('_ArrayWrapper', 'Array'), 'arrlist': ('_ArrListWrapper', 'ArrayList'),
-         'colbase': ('_ColBaseWrapper', 'CollectionBase'), 'rocolbase': ('_RoColBaseWrapper', 'ReadOnlyCollectionBase')}
+         'colbase': ('_ColBaseWrapper', 'CollectionBase'),
+         'rocolbase': ('_RoColBaseWrapper', 'ReadOnlyCollectionBase')}
 class OwnList(list): pass
 for name, (own, text) in names.items():
     calls()
