@@ -18,7 +18,10 @@ TEST_F(ClrObject, has_a_header_and_a_handle_and_nothing_else) {
     EXPECT_FALSE(PyType_HasFeature(&ThingType, Py_TPFLAGS_BASETYPE));
     EXPECT_FALSE(PyType_HasFeature(&ThingType, Py_TPFLAGS_HAVE_GC));
     python.name("w", make_wrapper(ThingType));
-    EXPECT_EQ(python.show("setattr(w, 'x', 1)"), "AttributeError: 'test.Thing' object has no attribute 'x'");
+    // Late versions of Python say more behind this.
+    EXPECT_EQ(
+        python.show("setattr(w, 'x', 1)").find("AttributeError: 'test.Thing' object has no attribute 'x'"),
+        0u);
     EXPECT_EQ(python.show("__import__('weakref').ref(w)"),
               "TypeError: cannot create weak reference to 'test.Thing' object");
     EXPECT_EQ(python.show("type('Sub', (type(w),), {})"),
