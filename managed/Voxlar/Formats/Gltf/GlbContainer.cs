@@ -21,8 +21,11 @@ internal static class GlbContainer
     internal static uint VersionOf(ReadOnlySpan<byte> head) =>
         head.Length >= 8 ? BinaryPrimitives.ReadUInt32LittleEndian(head[4..]) : 0;
 
-    /// <summary>Finds the chunks. Unknown chunks after the first two are skipped, as the container's rules ask.</summary>
-    /// <exception cref="ImportException">The container is cut short or its lengths contradict each other.</exception>
+    /// <summary>
+    /// Finds the chunks. Unknown chunks after the first two are skipped, as the container's rules ask.
+    /// </summary>
+    /// <exception cref="ImportException">The container is cut short or its lengths contradict each
+    /// other.</exception>
     internal static (ReadOnlyMemory<byte> Json, ReadOnlyMemory<byte>? Binary) Split(ReadContext context,
                                                                                    ReadOnlyMemory<byte> file)
     {
@@ -36,9 +39,11 @@ internal static class GlbContainer
             throw context.ErrorAtByte(4, $"binary glTF of version {version} is not supported; version 2 is");
         long declared = BinaryPrimitives.ReadUInt32LittleEndian(bytes[8..]);
         if (declared > bytes.Length)
-            throw context.ErrorAtByte(bytes.Length, $"the file is cut short: its header tells {declared} bytes, {bytes.Length} are there");
+            throw context.ErrorAtByte(bytes.Length,
+                $"the file is cut short: its header tells {declared} bytes, {bytes.Length} are there");
         if (declared < HeaderSize + ChunkHeaderSize)
-            throw context.ErrorAtByte(8, $"the header tells a length of {declared} bytes, too few for a JSON chunk");
+            throw context.ErrorAtByte(8,
+                $"the header tells a length of {declared} bytes, too few for a JSON chunk");
 
         int end = (int)declared;
         int position = HeaderSize;
@@ -50,7 +55,8 @@ internal static class GlbContainer
             uint type = BinaryPrimitives.ReadUInt32LittleEndian(bytes[(position + 4)..]);
             int start = position + ChunkHeaderSize;
             if (length > (uint)(end - start))
-                throw context.ErrorAtByte(position, $"chunk {number} tells {length} bytes, {end - start} are left");
+                throw context.ErrorAtByte(position,
+                    $"chunk {number} tells {length} bytes, {end - start} are left");
             ReadOnlyMemory<byte> content = file.Slice(start, (int)length);
             if (number == 0)
             {
@@ -67,17 +73,22 @@ internal static class GlbContainer
         return (json ?? throw context.ErrorAtByte(HeaderSize, "there is no JSON chunk"), binary);
     }
 
-    /// <summary>Writes a whole container: header, JSON padded with spaces, binary chunk padded with zeros.</summary>
+    /// <summary>
+    /// Writes a whole container: header, JSON padded with spaces, binary chunk padded with zeros.
+    /// </summary>
     /// <param name="target">Receives the bytes; stays open.</param>
     /// <param name="json">The JSON text in UTF-8.</param>
     /// <param name="binary">The content of the binary chunk; no chunk is written when it is empty.</param>
     /// <param name="context">For failure reports.</param>
-    /// <exception cref="ExportException">The whole would be longer than the container's 32-bit length can tell.</exception>
-    internal static void Write(Stream target, ReadOnlySpan<byte> json, GltfBinary binary, WriteContext context)
+    /// <exception cref="ExportException">The whole would be longer than the container's 32-bit length can
+    /// tell.</exception>
+    internal static void Write(Stream target, ReadOnlySpan<byte> json, GltfBinary binary,
+        WriteContext context)
     {
         long jsonLength = Align((long)json.Length);
         long binaryLength = Align(binary.Length);
-        long total = HeaderSize + ChunkHeaderSize + jsonLength + (binaryLength > 0 ? ChunkHeaderSize + binaryLength : 0);
+        long total = HeaderSize + ChunkHeaderSize + jsonLength
+            + (binaryLength > 0 ? ChunkHeaderSize + binaryLength : 0);
         if (total > uint.MaxValue)
             throw context.Error($"binary glTF holds at most {uint.MaxValue} bytes; the scene needs {total}");
 

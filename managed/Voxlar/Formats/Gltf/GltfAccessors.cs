@@ -5,15 +5,20 @@ using System.Runtime.InteropServices;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Buffers, buffer views and accessors of one document. Buffers are fetched at their first use. Every offset and count
-/// is checked before anything is allocated, and the sum of all that is decoded is bounded by the size of the input.
+/// Buffers, buffer views and accessors of one document. Buffers are fetched at their first use. Every offset
+/// and count is checked before anything is allocated, and the sum of all that is decoded is bounded by the
+/// size of the input.
 /// </summary>
 internal sealed class GltfAccessors
 {
-    /// <summary>Elements of an accessor that has no bytes of its own (all zero, or sparse over zeros).</summary>
+    /// <summary>
+    /// Elements of an accessor that has no bytes of its own (all zero, or sparse over zeros).
+    /// </summary>
     private const long MaximumZeroElements = 1 << 20;
 
-    /// <summary>What may be decoded in any case, in components; more is allowed in proportion to the input.</summary>
+    /// <summary>
+    /// What may be decoded in any case, in components; more is allowed in proportion to the input.
+    /// </summary>
     private const long BaseBudget = 16L << 20;
 
     private const int BudgetPerInputByte = 16;
@@ -42,7 +47,8 @@ internal sealed class GltfAccessors
 
     internal int ViewCount => views.Length;
 
-    private sealed record Accessor(GltfPlace Place, int Count, int ComponentType, int Columns, int Rows, bool Normalized,
+    private sealed record Accessor(GltfPlace Place, int Count, int ComponentType, int Columns, int Rows,
+        bool Normalized,
                                    int View, long Offset, GltfJson? Sparse)
     {
         internal int Components => Columns * Rows;
@@ -64,7 +70,9 @@ internal sealed class GltfAccessors
     /// <summary>Whether an accessor has bytes of its own; without them all its values are zero.</summary>
     internal bool HasData(int index) => Get(index).View >= 0 || Get(index).Sparse is not null;
 
-    /// <summary>All components as single-precision numbers; normalized integers become 0 to 1 or -1 to 1.</summary>
+    /// <summary>
+    /// All components as single-precision numbers; normalized integers become 0 to 1 or -1 to 1.
+    /// </summary>
     internal float[] ReadFloats(int index)
     {
         Accessor accessor = Get(index);
@@ -74,13 +82,15 @@ internal sealed class GltfAccessors
                 return Gather<float>(accessor);
             case GltfComponents.Byte:
                 float byteScale = accessor.Normalized ? 127f : 1f;
-                return Array.ConvertAll(Gather<sbyte>(accessor), v => Math.Max(v / byteScale, byteScale == 1f ? v : -1f));
+                return Array.ConvertAll(Gather<sbyte>(accessor), v =>
+                    Math.Max(v / byteScale, byteScale == 1f ? v : -1f));
             case GltfComponents.UnsignedByte:
                 float unsignedByteScale = accessor.Normalized ? 255f : 1f;
                 return Array.ConvertAll(Gather<byte>(accessor), v => v / unsignedByteScale);
             case GltfComponents.Short:
                 float shortScale = accessor.Normalized ? 32767f : 1f;
-                return Array.ConvertAll(Gather<short>(accessor), v => Math.Max(v / shortScale, shortScale == 1f ? v : -1f));
+                return Array.ConvertAll(Gather<short>(accessor), v =>
+                    Math.Max(v / shortScale, shortScale == 1f ? v : -1f));
             case GltfComponents.UnsignedShort:
                 float unsignedShortScale = accessor.Normalized ? 65535f : 1f;
                 return Array.ConvertAll(Gather<ushort>(accessor), v => v / unsignedShortScale);
@@ -99,13 +109,17 @@ internal sealed class GltfAccessors
     internal void RequireComponents(int index, int components, GltfPlace user)
     {
         if (Get(index).Components != components)
-            throw user.Fault($"accessor {index} has {Get(index).Components} components an element; {components} are expected");
+            throw user.Fault(
+                $"accessor {index} has {Get(index).Components} components an element; {components} are "
+                + "expected");
     }
 
     /// <summary>The values of an integer accessor: vertex indices or joints.</summary>
     internal int[] ReadIntegers(int index, GltfPlace user) => ReadIntegers(Get(index), user);
 
-    /// <summary>The values in the type they are stored in: an array of sbyte, byte, short, ushort, uint or float.</summary>
+    /// <summary>
+    /// The values in the type they are stored in: an array of sbyte, byte, short, ushort, uint or float.
+    /// </summary>
     internal Array ReadAsStored(int index)
     {
         Accessor accessor = Get(index);
@@ -144,7 +158,8 @@ internal sealed class GltfAccessors
         long offset = json.Count("byteOffset", 0);
         GltfJson? sparse = json.TryGetObject("sparse", out GltfJson found) ? found : null;
         if (view < 0 && count > MaximumZeroElements)
-            throw place.Child("count").Fault($"an accessor without a buffer view may have {MaximumZeroElements} elements, not {count}");
+            throw place.Child("count").Fault(
+                $"an accessor without a buffer view may have {MaximumZeroElements} elements, not {count}");
         int size = GltfComponents.SizeOf(componentType);
         int column = columns == 1 ? rows * size : (rows * size + 3) & ~3;
         if (view >= 0)
@@ -152,19 +167,24 @@ internal sealed class GltfAccessors
             ReadOnlyMemory<byte> bytes = View(view, out long stride);
             CheckRange(place, $"buffer view {view}", bytes.Length, offset, count, columns * column, stride);
         }
-        return new Accessor(place, (int)count, (int)componentType, columns, rows, json.Bool("normalized", false), view,
+        return new Accessor(place, (int)count, (int)componentType, columns, rows,
+            json.Bool("normalized", false), view,
                             offset, sparse);
     }
 
-    private static void CheckRange(GltfPlace place, string what, long available, long offset, long count, int size, long stride)
+    private static void CheckRange(GltfPlace place, string what, long available, long offset, long count,
+        int size, long stride)
     {
         if (stride == 0)
             stride = size;
         else if (stride < size)
             throw place.Fault($"{what} has a stride of {stride} bytes; an element has {size}");
         // Divisions, not products: count and offset come from the file and may be anything.
-        if (offset > available || size > available - offset || (available - offset - size) / stride < count - 1)
-            throw place.Fault($"{count} elements of {size} bytes from byte {offset} do not fit into {what} of {available} bytes");
+        if (offset > available || size > available - offset
+            || (available - offset - size) / stride < count - 1)
+            throw place.Fault(
+                $"{count} elements of {size} bytes from byte {offset} do not fit into {what} of "
+                + $"{available} bytes");
     }
 
     private T[] Gather<T>(Accessor accessor)
@@ -213,21 +233,25 @@ internal sealed class GltfAccessors
     {
         long count = sparse.RequireCount("count");
         if (count > accessor.Count)
-            throw sparse.Place.Child("count").Fault($"{count} values are replaced in an accessor of {accessor.Count}");
+            throw sparse.Place.Child("count").Fault(
+                $"{count} values are replaced in an accessor of {accessor.Count}");
         if (count == 0)
             return;
         GltfJson where = sparse.Require("indices");
         long type = where.RequireCount("componentType");
-        if (type is not (GltfComponents.UnsignedByte or GltfComponents.UnsignedShort or GltfComponents.UnsignedInt))
+        if (type is not (GltfComponents.UnsignedByte or GltfComponents.UnsignedShort
+            or GltfComponents.UnsignedInt))
             throw where.Place.Child("componentType").Fault($"component type {type} cannot hold indices");
         int[] positions = ReadIntegers(SparsePart(where, (int)count, (int)type, 1, 1), where.Place);
         GltfJson what = sparse.Require("values");
-        T[] replaced = Gather<T>(SparsePart(what, (int)count, accessor.ComponentType, accessor.Columns, accessor.Rows));
+        T[] replaced = Gather<T>(SparsePart(what, (int)count, accessor.ComponentType, accessor.Columns,
+            accessor.Rows));
         int components = accessor.Components;
         for (int i = 0; i < positions.Length; i++)
         {
             if ((uint)positions[i] >= (uint)accessor.Count)
-                throw where.Place.Fault($"index {(uint)positions[i]} is past the {accessor.Count} elements of the accessor");
+                throw where.Place.Fault(
+                    $"index {(uint)positions[i]} is past the {accessor.Count} elements of the accessor");
             replaced.AsSpan(i * components, components).CopyTo(values.AsSpan(positions[i] * components));
         }
     }
@@ -236,9 +260,11 @@ internal sealed class GltfAccessors
     {
         json.Require("bufferView");
         int view = json.Index("bufferView", views.Length, "buffer view");
-        var part = new Accessor(json.Place, count, componentType, columns, rows, false, view, json.Count("byteOffset", 0), null);
+        var part = new Accessor(json.Place, count, componentType, columns, rows, false, view,
+            json.Count("byteOffset", 0), null);
         ReadOnlyMemory<byte> bytes = View(view, out long stride);
-        CheckRange(json.Place, $"buffer view {view}", bytes.Length, part.Offset, count, part.ElementSize, stride);
+        CheckRange(json.Place, $"buffer view {view}", bytes.Length, part.Offset, count, part.ElementSize,
+            stride);
         return part;
     }
 
@@ -248,7 +274,8 @@ internal sealed class GltfAccessors
         GltfComponents.UnsignedShort => Array.ConvertAll(Gather<ushort>(part), static v => (int)v),
         // A value above the positive range turns negative here and is refused with the other bad indices.
         GltfComponents.UnsignedInt => Gather<int>(part),
-        _ => throw user.Fault($"component type {part.ComponentType} is given where unsigned integers are expected"),
+        _ => throw user.Fault(
+            $"component type {part.ComponentType} is given where unsigned integers are expected"),
     };
 
     private ReadOnlyMemory<byte> View(int index, out long stride)
@@ -260,10 +287,13 @@ internal sealed class GltfAccessors
         long length = view.RequireCount("byteLength");
         stride = view.Count("byteStride", 0);
         if (stride > 252)
-            throw view.Place.Child("byteStride").Fault($"a stride of {stride} bytes is not allowed; 252 is the most");
+            throw view.Place.Child("byteStride").Fault(
+                $"a stride of {stride} bytes is not allowed; 252 is the most");
         ReadOnlyMemory<byte> content = Buffer(buffer);
         if (offset > content.Length || length > content.Length - offset)
-            throw view.Place.Fault($"{length} bytes from byte {offset} do not fit into buffer {buffer} of {content.Length} bytes");
+            throw view.Place.Fault(
+                $"{length} bytes from byte {offset} do not fit into buffer {buffer} of {content.Length} "
+                + "bytes");
         return content.Slice((int)offset, (int)length);
     }
 
@@ -274,7 +304,8 @@ internal sealed class GltfAccessors
         GltfJson buffer = buffers[index];
         long length = buffer.RequireCount("byteLength");
         if (length > Array.MaxLength)
-            throw buffer.Place.Child("byteLength").Fault($"buffers of more than {Array.MaxLength} bytes are not supported");
+            throw buffer.Place.Child("byteLength").Fault(
+                $"buffers of more than {Array.MaxLength} bytes are not supported");
         ReadOnlyMemory<byte> content = Fetch(index, buffer, length);
         if (content.Length < length)
             throw buffer.Place.Fault($"the buffer tells {length} bytes, {content.Length} are there");
@@ -288,7 +319,8 @@ internal sealed class GltfAccessors
     {
         if (buffer.TryGet("uri", out GltfJson uri))
         {
-            bool isData = uri.TryGetRawString(out ReadOnlySpan<byte> raw) ? GltfUri.IsData(raw) : GltfUri.IsData(uri.AsString());
+            bool isData = uri.TryGetRawString(out ReadOnlySpan<byte> raw) ? GltfUri.IsData(raw)
+                : GltfUri.IsData(uri.AsString());
             return isData ? GltfUri.DecodeData(uri, out _) : ReadFile(uri, length);
         }
         if (index == 0 && binaryChunk is ReadOnlyMemory<byte> chunk)

@@ -7,9 +7,10 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Makes an animation clip of each animation, with one animation node for each node that it moves. Translation, rotation and
-/// scale drive the properties of those names of the node's transform; weights drive the channel weights of the morph targets
-/// on the node. Cubic splines become Bezier keys, steps constant ones.
+/// Makes an animation clip of each animation, with one animation node for each node that it moves.
+/// Translation, rotation and scale drive the properties of those names of the node's transform; weights drive
+/// the channel weights of the morph targets on the node. Cubic splines become Bezier keys, steps constant
+/// ones.
 /// </summary>
 internal sealed class GltfAnimationReader
 {
@@ -33,7 +34,8 @@ internal sealed class GltfAnimationReader
         this.morphsOf = morphsOf;
     }
 
-    private readonly record struct Sampler(GltfPlace Place, float[] Times, float[] Values, Interpolation Interpolation)
+    private readonly record struct Sampler(GltfPlace Place, float[] Times, float[] Values,
+        Interpolation Interpolation)
     {
         internal int ValuesPerKey => Interpolation == Interpolation.Bezier ? 3 : 1;
     }
@@ -129,7 +131,8 @@ internal sealed class GltfAnimationReader
         }
     }
 
-    private static void BindVector(AnimationNode animation, Transform transform, string property, int components, Sampler sampler)
+    private static void BindVector(AnimationNode animation, Transform transform, string property,
+        int components, Sampler sampler)
     {
         RequireValues(sampler, components);
         BindPoint point = animation.GetBindPoint(transform, property, true)!;
@@ -148,7 +151,8 @@ internal sealed class GltfAnimationReader
             RequireValues(sampler, channels.Length);
             for (int target = 0; target < channels.Length; target++)
             {
-                BindPoint point = animation.GetBindPoint(channels[target], nameof(MorphTargetChannel.ChannelWeight), true)!;
+                BindPoint point =
+                    animation.GetBindPoint(channels[target], nameof(MorphTargetChannel.ChannelWeight), true)!;
                 var sequence = new KeyframeSequence(nameof(MorphTargetChannel.ChannelWeight));
                 Fill(sequence, sampler, channels.Length, target);
                 point.BindKeyframeSequence(nameof(MorphTargetChannel.ChannelWeight), sequence);
@@ -160,7 +164,9 @@ internal sealed class GltfAnimationReader
     {
         long expected = (long)sampler.Times.Length * sampler.ValuesPerKey * components;
         if (sampler.Values.Length != expected)
-            throw sampler.Place.Child("output").Fault($"{expected} numbers are expected for {sampler.Times.Length} keys, {sampler.Values.Length} are there");
+            throw sampler.Place.Child("output").Fault(
+                $"{expected} numbers are expected for {sampler.Times.Length} keys, "
+                + $"{sampler.Values.Length} are there");
     }
 
     private static void Fill(KeyframeSequence sequence, Sampler sampler, int components, int component)
@@ -177,7 +183,8 @@ internal sealed class GltfAnimationReader
             };
             if (cubic)
             {
-                // A slope, told as the change in one second; the tangent that arrives at the next key stands with this one.
+                // A slope, told as the change in one second; the tangent that arrives at the next key stands
+                // with this one.
                 key.OutTangent = new Vector2(1, sampler.Values[at + 2 * components]);
                 if (i + 1 < sampler.Times.Length)
                     key.NextInTangent = new Vector2(1, sampler.Values[at + stride]);

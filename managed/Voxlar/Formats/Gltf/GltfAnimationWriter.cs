@@ -8,9 +8,10 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Writes animation clips: translation, rotation, Euler angles and scale of transforms, and weights of morph channels; glTF
-/// animates nothing else. Keys are kept where all components have the same key times and one interpolation that glTF has.
-/// Everything else is sampled, at the keys and thirty times a second between them, and told as linear keys.
+/// Writes animation clips: translation, rotation, Euler angles and scale of transforms, and weights of morph
+/// channels; glTF animates nothing else. Keys are kept where all components have the same key times and one
+/// interpolation that glTF has. Everything else is sampled, at the keys and thirty times a second between
+/// them, and told as linear keys.
 /// </summary>
 internal sealed class GltfAnimationWriter
 {
@@ -23,7 +24,8 @@ internal sealed class GltfAnimationWriter
     private readonly bool saveExtras;
 
     internal GltfAnimationWriter(GltfDocument document, IReadOnlyDictionary<Transform, int> nodeOfTransform,
-                                 IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> placeOfMorph, bool saveExtras)
+                                 IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> placeOfMorph,
+                                     bool saveExtras)
     {
         this.document = document;
         this.nodeOfTransform = nodeOfTransform;
@@ -52,9 +54,11 @@ internal sealed class GltfAnimationWriter
         var weights = new Dictionary<int, Curve[]>();
         foreach (BindPoint point in AllBindPoints(clip))
         {
-            if (point.Property.Owner is Transform transform && nodeOfTransform.TryGetValue(transform, out int node))
+            if (point.Property.Owner is Transform transform
+                && nodeOfTransform.TryGetValue(transform, out int node))
                 WriteTransform(point, transform, node);
-            else if (point.Property.Owner is MorphTargetChannel morph && placeOfMorph.TryGetValue(morph, out GltfMorphPlace? place))
+            else if (point.Property.Owner is MorphTargetChannel morph
+                && placeOfMorph.TryGetValue(morph, out GltfMorphPlace? place))
                 CollectWeight(point, place);
         }
         foreach ((int node, Curve[] curves) in weights)
@@ -93,7 +97,8 @@ internal sealed class GltfAnimationWriter
             foreach (int node in place.Nodes)
             {
                 if (!weights.TryGetValue(node, out Curve[]? all))
-                    weights[node] = all = Array.ConvertAll(place.Defaults, static weight => new Curve(null, weight));
+                    weights[node] = all =
+                        Array.ConvertAll(place.Defaults, static weight => new Curve(null, weight));
                 all[place.Index] = curve;
             }
         }
@@ -140,7 +145,8 @@ internal sealed class GltfAnimationWriter
         for (int i = 0; i < count; i++)
         {
             AnimationChannel? channel = i < point.ChannelsCount ? point.Channels[i] : null;
-            KeyframeSequence? sequence = channel is { KeyframeSequences.Count: > 0 } ? channel.KeyframeSequences[0] : null;
+            KeyframeSequence? sequence = channel is { KeyframeSequences.Count: > 0 }
+                ? channel.KeyframeSequences[0] : null;
             double otherwise = channel?.DefaultValue is IConvertible value
                 ? value.ToDouble(System.Globalization.CultureInfo.InvariantCulture) : 0;
             curves[i] = new Curve(sequence, otherwise);
@@ -148,7 +154,9 @@ internal sealed class GltfAnimationWriter
         return curves;
     }
 
-    /// <summary>Makes the rotation of the node out of the animated part and the fixed rotations around it.</summary>
+    /// <summary>
+    /// Makes the rotation of the node out of the animated part and the fixed rotations around it.
+    /// </summary>
     private static Func<double[], Quaternion>? RotationOf(Transform transform, bool isEuler)
     {
         bool isPlain = transform.PreRotation == Vector3.Origin && transform.PostRotation == Vector3.Origin;
@@ -164,7 +172,8 @@ internal sealed class GltfAnimationWriter
         };
     }
 
-    private static Quaternion FromDegrees(Vector3 angles) => Quaternion.FromEulerAngle(MathUtils.ToRadian(angles));
+    private static Quaternion FromDegrees(Vector3 angles) =>
+        Quaternion.FromEulerAngle(MathUtils.ToRadian(angles));
 
     private static Sampled? Sample(Curve[] curves, int components, Func<double[], Quaternion>? toRotation)
     {
@@ -175,9 +184,13 @@ internal sealed class GltfAnimationWriter
             return null;
         Interpolation? common = CommonInterpolation(curves, first);
         if (toRotation is null && common is Interpolation known)
-            return Direct(curves, first, known == Interpolation.Bezier && first.Count < 2 ? Interpolation.Linear : known);
+        {
+            bool isTooShort = known == Interpolation.Bezier && first.Count < 2;
+            return Direct(curves, first, isTooShort ? Interpolation.Linear : known);
+        }
         bool isStep = common == Interpolation.Constant;
-        float[] times = isStep ? Array.ConvertAll([.. first], static key => (float)key.Time) : SampleTimes(curves, toRotation is null);
+        float[] times = isStep ? Array.ConvertAll([.. first], static key => (float)key.Time)
+            : SampleTimes(curves, toRotation is null);
         var values = new float[times.Length * components];
         var at = new double[curves.Length];
         Quaternion previous = Quaternion.Identity;
@@ -192,7 +205,8 @@ internal sealed class GltfAnimationWriter
                 continue;
             }
             Quaternion rotation = toRotation(at).Normalize();
-            // Of the two quaternions for one rotation the one near the last key is taken, so that the way between is short.
+            // Of the two quaternions for one rotation the one near the last key is taken, so that the way
+            // between is short.
             if (i > 0 && rotation.Dot(previous) < 0)
                 rotation = new Quaternion(-rotation.w, -rotation.x, -rotation.y, -rotation.z);
             previous = rotation;
@@ -204,7 +218,10 @@ internal sealed class GltfAnimationWriter
         return new Sampled(times, values, isStep ? "STEP" : "LINEAR");
     }
 
-    /// <summary>The interpolation of all keys of all curves when they have one, glTF has it too and the times are the same.</summary>
+    /// <summary>
+    /// The interpolation of all keys of all curves when they have one, glTF has it too and the times are the
+    /// same.
+    /// </summary>
     private static Interpolation? CommonInterpolation(Curve[] curves, IList<KeyFrame> first)
     {
         Interpolation interpolation = first[0].Interpolation;
@@ -253,9 +270,13 @@ internal sealed class GltfAnimationWriter
                 values[at + components] = (float)(scale * keys[i].Value);
                 if (i + 1 < keys.Count)
                 {
-                    double chord = (keys[i + 1].Value - (double)keys[i].Value) / (keys[i + 1].Time - keys[i].Time);
-                    values[at + 2 * components] = (float)(keys[i].Flat ? 0 : scale * Slope(keys[i].OutTangent, chord));
-                    values[at + stride] = (float)(keys[i + 1].Flat ? 0 : scale * Slope(keys[i].NextInTangent, chord));
+                    KeyFrame key = keys[i];
+                    KeyFrame next = keys[i + 1];
+                    double chord = (next.Value - (double)key.Value) / (next.Time - key.Time);
+                    double leaving = key.Flat ? 0 : Slope(key.OutTangent, chord);
+                    double arriving = next.Flat ? 0 : Slope(key.NextInTangent, chord);
+                    values[at + 2 * components] = (float)(scale * leaving);
+                    values[at + stride] = (float)(scale * arriving);
                 }
                 else
                 {
@@ -264,10 +285,12 @@ internal sealed class GltfAnimationWriter
                 }
             }
         }
-        return new Sampled(times, values, cubic ? "CUBICSPLINE" : interpolation == Interpolation.Constant ? "STEP" : "LINEAR");
+        string told = cubic ? "CUBICSPLINE" : interpolation == Interpolation.Constant ? "STEP" : "LINEAR";
+        return new Sampled(times, values, told);
     }
 
-    private static double Slope(Vector2 tangent, double otherwise) => tangent.x == 0 ? otherwise : tangent.y / tangent.x;
+    private static double Slope(Vector2 tangent, double otherwise) =>
+        tangent.x == 0 ? otherwise : tangent.y / tangent.x;
 
     private static float[] SampleTimes(Curve[] curves, bool linearIsExact)
     {
@@ -298,9 +321,12 @@ internal sealed class GltfAnimationWriter
     }
 }
 
-/// <summary>Where a morph channel stands in the document: the nodes that show it, and its number among their weights.</summary>
+/// <summary>
+/// Where a morph channel stands in the document: the nodes that show it, and its number among their weights.
+/// </summary>
 /// <param name="Nodes">The indices of the nodes.</param>
 /// <param name="Index">The number of the channel.</param>
-/// <param name="Defaults">The weights of all channels of the mesh without animation, as the document tells them.</param>
+/// <param name="Defaults">The weights of all channels of the mesh without animation, as the document tells
+/// them.</param>
 /// <param name="Scale">The factor from the weight of the channel to the weight in the document.</param>
 internal sealed record GltfMorphPlace(List<int> Nodes, int Index, double[] Defaults, double Scale);

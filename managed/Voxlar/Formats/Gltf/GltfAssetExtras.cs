@@ -6,7 +6,9 @@ using System.Text.Json.Nodes;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>What is known about the asset and has no member in the document goes to the extras of its asset object.</summary>
+/// <summary>
+/// What is known about the asset and has no member in the document goes to the extras of its asset object.
+/// </summary>
 internal static class GltfAssetExtras
 {
     private sealed record Text(string Name, Func<AssetInfo, string?> Get, Action<AssetInfo, string> Set);
@@ -23,7 +25,8 @@ internal static class GltfAssetExtras
         new("applicationVendor", a => a.ApplicationVendor, (a, v) => a.ApplicationVendor = v),
         new("applicationVersion", a => a.ApplicationVersion, (a, v) => a.ApplicationVersion = v),
         new("creationTime", a => TimeText(a.CreationTime), (a, v) => a.CreationTime = TimeFrom(v)),
-        new("modificationTime", a => TimeText(a.ModificationTime), (a, v) => a.ModificationTime = TimeFrom(v)),
+        new("modificationTime", a => TimeText(a.ModificationTime),
+            (a, v) => a.ModificationTime = TimeFrom(v)),
     ];
 
     internal static void Read(GltfJson asset, AssetInfo info)
@@ -61,5 +64,6 @@ internal static class GltfAssetExtras
     private static string? TimeText(DateTime? time) => time?.ToString("o", CultureInfo.InvariantCulture);
 
     private static DateTime? TimeFrom(string text) =>
-        DateTime.TryParse(text, CultureInfo.InvariantCulture, DateTimeStyles.RoundtripKind, out DateTime time) ? time : null;
+        DateTime.TryParse(text, CultureInfo.InvariantCulture, DateTimeStyles.RoundtripKind, out DateTime time)
+            ? time : null;
 }

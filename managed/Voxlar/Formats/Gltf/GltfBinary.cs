@@ -4,7 +4,9 @@ using System.IO;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>The bytes of the buffer that is being written, kept in the blocks that they came in and written once.</summary>
+/// <summary>
+/// The bytes of the buffer that is being written, kept in the blocks that they came in and written once.
+/// </summary>
 internal sealed class GltfBinary
 {
     private readonly List<ReadOnlyMemory<byte>> blocks = [];

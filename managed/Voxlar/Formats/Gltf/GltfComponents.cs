@@ -21,7 +21,9 @@ internal static class GltfComponents
         _ => 0,
     };
 
-    /// <summary>Columns and rows of an accessor type; vectors have one column. (0, 0) for a type that does not exist.</summary>
+    /// <summary>
+    /// Columns and rows of an accessor type; vectors have one column. (0, 0) for a type that does not exist.
+    /// </summary>
     internal static (int Columns, int Rows) ShapeOf(string type) => type switch
     {
         "SCALAR" => (1, 1),

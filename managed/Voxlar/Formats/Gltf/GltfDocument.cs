@@ -9,8 +9,8 @@ using System.Text.Json.Nodes;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// The document that is being written: its top-level arrays, its binary data and the extensions it uses. Equal data is stored
-/// once: an accessor over the same bytes in the same form is the same accessor.
+/// The document that is being written: its top-level arrays, its binary data and the extensions it uses.
+/// Equal data is stored once: an accessor over the same bytes in the same form is the same accessor.
 /// </summary>
 internal sealed class GltfDocument
 {
@@ -20,13 +20,14 @@ internal sealed class GltfDocument
     // The order in which the arrays stand in the file; empty ones are left out.
     private static readonly string[] arrayNames =
     [
-        "scenes", "nodes", "meshes", "skins", "animations", "cameras", "materials", "textures", "images", "samplers",
+        "scenes", "nodes", "meshes", "skins", "animations", "cameras", "materials", "textures", "images",
+        "samplers",
         "accessors", "bufferViews",
     ];
 
     private readonly Dictionary<string, JsonArray> arrays = [];
     private readonly Dictionary<DataKey, List<StoredBlock>> stored = [];
-    private readonly Dictionary<(long View, int Offset, int Count, int ComponentType, int Components, bool Index), int> accessorOf = [];
+    private readonly Dictionary<AccessorKey, int> accessorOf = [];
     private readonly SortedSet<string> extensionsUsed = new(StringComparer.Ordinal);
 
     internal GltfDocument()
@@ -36,6 +37,9 @@ internal sealed class GltfDocument
     }
 
     private readonly record struct DataKey(int Hash, int Length, int Stride, int Target);
+
+    private readonly record struct AccessorKey(
+        int View, int Offset, int Count, int ComponentType, int Components, bool IsIndex);
 
     private readonly record struct StoredBlock(ReadOnlyMemory<byte> Bytes, int View);
 
@@ -72,21 +76,26 @@ internal sealed class GltfDocument
     }
 
     /// <summary>A vertex attribute of single-precision numbers.</summary>
-    /// <param name="values">All components one after the other. The array is kept and must not change any more.</param>
+    /// <param name="values">All components one after the other. The array is kept and must not change any
+    /// more.</param>
     /// <param name="components">Components of an element.</param>
     /// <param name="first">The first element that the accessor shows.</param>
     /// <param name="count">The number of elements that it shows.</param>
     /// <param name="bounds">Whether the smallest and largest values are told, as positions need it.</param>
     internal int AddAttribute(float[] values, int components, int first, int count, bool bounds)
     {
-        int accessor = AddVertexData(AsBytes(values), components * sizeof(float), GltfComponents.Float, components, first, count);
+        int accessor = AddVertexData(AsBytes(values), components * sizeof(float), GltfComponents.Float,
+            components, first, count);
         if (bounds)
             SetBounds(accessor, values.AsSpan(first * components, count * components), components);
         return accessor;
     }
 
-    /// <summary>A vertex attribute of integers, such as joints. The element size must be a multiple of four bytes.</summary>
-    internal int AddVertexData(ReadOnlyMemory<byte> bytes, int stride, int componentType, int components, int first, int count)
+    /// <summary>
+    /// A vertex attribute of integers, such as joints. The element size must be a multiple of four bytes.
+    /// </summary>
+    internal int AddVertexData(ReadOnlyMemory<byte> bytes, int stride, int componentType, int components,
+        int first, int count)
     {
         bool isWhole = first == 0 && count * stride == bytes.Length;
         bool isTight = stride == components * GltfComponents.SizeOf(componentType);
@@ -94,26 +103,31 @@ internal sealed class GltfDocument
         return AddAccessor(view, first * stride, count, componentType, components, false);
     }
 
-    /// <summary>Vertex indices, in the smallest type that never needs the value that restarts a primitive.</summary>
+    /// <summary>
+    /// Vertex indices, in the smallest type that never needs the value that restarts a primitive.
+    /// </summary>
     internal int AddIndices(ReadOnlySpan<int> indices, int vertexCount)
     {
         if (vertexCount > ushort.MaxValue)
         {
             ReadOnlyMemory<byte> wide = MemoryMarshal.AsBytes(indices).ToArray();
-            return AddAccessor(AddView(wide, 0, ElementArrayBuffer), 0, indices.Length, GltfComponents.UnsignedInt, 1, true);
+            return AddAccessor(AddView(wide, 0, ElementArrayBuffer), 0, indices.Length,
+                GltfComponents.UnsignedInt, 1, true);
         }
         var narrow = new byte[indices.Length * sizeof(ushort)];
         Span<ushort> target = MemoryMarshal.Cast<byte, ushort>(narrow.AsSpan());
         for (int i = 0; i < indices.Length; i++)
             target[i] = (ushort)indices[i];
-        return AddAccessor(AddView(narrow, 0, ElementArrayBuffer), 0, indices.Length, GltfComponents.UnsignedShort, 1, true);
+        return AddAccessor(AddView(narrow, 0, ElementArrayBuffer), 0, indices.Length,
+            GltfComponents.UnsignedShort, 1, true);
     }
 
     /// <summary>Numbers that are no vertex attribute: key times, key values, bind matrices.</summary>
     internal int AddNumbers(float[] values, int components, bool bounds)
     {
         int view = AddView(AsBytes(values), 0, 0);
-        int accessor = AddAccessor(view, 0, values.Length / components, GltfComponents.Float, components, false);
+        int accessor = AddAccessor(view, 0, values.Length / components, GltfComponents.Float, components,
+            false);
         if (bounds)
             SetBounds(accessor, values, components);
         return accessor;
@@ -150,7 +164,7 @@ internal sealed class GltfDocument
 
     private int AddAccessor(int view, int offset, int count, int componentType, int components, bool isIndex)
     {
-        var key = ((long)view, offset, count, componentType, components, isIndex);
+        var key = new AccessorKey(view, offset, count, componentType, components, isIndex);
         if (accessorOf.TryGetValue(key, out int known))
             return known;
         var accessor = new JsonObject { ["bufferView"] = view };
@@ -227,7 +241,11 @@ internal sealed class GltfDocument
             root["buffers"] = new JsonArray(buffer);
         }
         using var text = new MemoryStream();
-        var options = new JsonWriterOptions { Indented = pretty, Encoder = JavaScriptEncoder.UnsafeRelaxedJsonEscaping };
+        var options = new JsonWriterOptions
+        {
+            Indented = pretty,
+            Encoder = JavaScriptEncoder.UnsafeRelaxedJsonEscaping,
+        };
         using (var writer = new Utf8JsonWriter(text, options))
             root.WriteTo(writer);
         return text.ToArray();

@@ -6,8 +6,9 @@ using System.Text.Json.Nodes;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Extensions that are not understood, on other objects than materials. Their data is carried on as a dynamic property of the
-/// extension's name, unless it holds whole numbers: those may be indices into the document, which change when it is written.
+/// Extensions that are not understood, on other objects than materials. Their data is carried on as a dynamic
+/// property of the extension's name, unless it holds whole numbers: those may be indices into the document,
+/// which change when it is written.
 /// </summary>
 internal static class GltfExtensionData
 {
@@ -17,7 +18,8 @@ internal static class GltfExtensionData
             return;
         foreach ((string name, GltfJson content) in all.Members())
         {
-            bool isCarried = !GltfNames.IsUnderstood(name) && GltfNames.TrySplitExtension(name, out _, out string member)
+            bool isCarried = !GltfNames.IsUnderstood(name)
+                && GltfNames.TrySplitExtension(name, out _, out string member)
                 && member.Length == 0 && content.IsObject && !HoldsWholeNumbers(content.Element);
             if (isCarried)
                 target.SetProperty(name, GltfValues.FromJson(content.Element));

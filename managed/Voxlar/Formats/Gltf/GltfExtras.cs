@@ -4,8 +4,8 @@ using System.Text.Json.Nodes;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Extras are the properties that the user added to an object. An extra whose name is that of an own property of the object
-/// stands under "extras." and its name.
+/// Extras are the properties that the user added to an object. An extra whose name is that of an own property
+/// of the object stands under "extras." and its name.
 /// </summary>
 internal static class GltfExtras
 {
@@ -38,12 +38,15 @@ internal static class GltfExtras
     private static string NameFor(VbrObject target, string name)
     {
         // What looks like the data of an extension must not be taken for it on the way out.
-        bool isFree = name.Length > 0 && !GltfNames.TrySplitExtension(name, out _, out _) && target.FindProperty(name) is null or UserProperty
+        bool isFree = name.Length > 0 && !GltfNames.TrySplitExtension(name, out _, out _)
+            && target.FindProperty(name) is null or UserProperty
             && !name.StartsWith(Prefix, StringComparison.Ordinal) && name != GltfNames.Extras;
         return isFree ? name : Prefix + name;
     }
 
-    /// <summary>Writes the added properties of an object, but those that have a place of their own in the document.</summary>
+    /// <summary>
+    /// Writes the added properties of an object, but those that have a place of their own in the document.
+    /// </summary>
     /// <param name="json">The object of the document.</param>
     /// <param name="source">The object whose properties are written.</param>
     /// <param name="hasOwnPlace">Tells the names that are written elsewhere.</param>
@@ -53,7 +56,8 @@ internal static class GltfExtras
         JsonNode? whole = null;
         foreach (Property property in source.Properties)
         {
-            if (property is not UserProperty || GltfExtensionData.IsData(property) || (hasOwnPlace is not null && hasOwnPlace(property.Name)))
+            if (property is not UserProperty || GltfExtensionData.IsData(property)
+                || (hasOwnPlace is not null && hasOwnPlace(property.Name)))
                 continue;
             if (property.Name == GltfNames.Extras)
             {

@@ -9,7 +9,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>The vertices, attributes and parts of one geometry, made once however many nodes show it.</summary>
+/// <summary>
+/// The vertices, attributes and parts of one geometry, made once however many nodes show it.
+/// </summary>
 internal sealed class GltfGeometryData
 {
     // A stored normal may be this far from length 1 and is kept as it is; beyond that it is normalized.
@@ -24,7 +26,8 @@ internal sealed class GltfGeometryData
     private readonly List<Attribute> attributes = [];
     private readonly List<List<Attribute>> targets = [];
 
-    internal GltfGeometryData(Geometry geometry, GltfDocument document, GltfSaveOptions options, WriteContext context)
+    internal GltfGeometryData(Geometry geometry, GltfDocument document, GltfSaveOptions options,
+        WriteContext context)
     {
         this.geometry = geometry;
         this.document = document;
@@ -32,7 +35,8 @@ internal sealed class GltfGeometryData
         this.context = context;
         CheckPolygons();
         ChooseElements();
-        vertices = GltfVertices.Of(geometry, elements.ConvertAll(static item => (VertexElement)item.Element).ToArray());
+        vertices = GltfVertices.Of(geometry,
+            elements.ConvertAll(static item => (VertexElement)item.Element).ToArray());
         Parts = MakeParts();
         AddPositions();
         for (int i = 0; i < elements.Count; i++)
@@ -44,7 +48,8 @@ internal sealed class GltfGeometryData
     }
 
     /// <summary>An attribute of all vertices: either single-precision numbers or bytes of integers.</summary>
-    private readonly record struct Attribute(string Semantic, int Components, float[]? Floats, byte[]? Bytes, int ComponentType);
+    private readonly record struct Attribute(string Semantic, int Components, float[]? Floats, byte[]? Bytes,
+        int ComponentType);
 
     internal List<GltfGeometryPart> Parts { get; }
 
@@ -71,8 +76,10 @@ internal sealed class GltfGeometryData
         {
             bool isPosition = attribute.Semantic == GltfPrimitive.Position;
             json[attribute.Semantic] = attribute.Floats is not null
-                ? document.AddAttribute(attribute.Floats, attribute.Components, part.First, part.Count, isPosition)
-                : document.AddVertexData(attribute.Bytes, attribute.Bytes!.Length / vertices.Count, attribute.ComponentType,
+                ? document.AddAttribute(attribute.Floats, attribute.Components, part.First, part.Count,
+                    isPosition)
+                : document.AddVertexData(attribute.Bytes, attribute.Bytes!.Length / vertices.Count,
+                    attribute.ComponentType,
                                          attribute.Components, part.First, part.Count);
         }
         return json;
@@ -86,7 +93,8 @@ internal sealed class GltfGeometryData
         foreach (int corner in mesh.PolygonStore.Corners)
         {
             if ((uint)corner >= (uint)count)
-                throw context.Error($"a polygon of the mesh '{mesh.Name}' uses control point {corner}; the mesh has {count}");
+                throw context.Error(
+                    $"a polygon of the mesh '{mesh.Name}' uses control point {corner}; the mesh has {count}");
         }
     }
 
@@ -95,7 +103,8 @@ internal sealed class GltfGeometryData
         var taken = new HashSet<string>(StringComparer.Ordinal);
         foreach (VertexElement element in geometry.VertexElements)
         {
-            if (element is not VertexElementVector4 { ValueCount: > 0 } values || element.MappingMode == MappingMode.Edge)
+            if (element is not VertexElementVector4 { ValueCount: > 0 } values
+                || element.MappingMode == MappingMode.Edge)
                 continue;
             string? semantic = element switch
             {
@@ -118,7 +127,8 @@ internal sealed class GltfGeometryData
     private static string SetName(string prefix, string name, HashSet<string> taken)
     {
         bool isNumbered = name.StartsWith(prefix, StringComparison.Ordinal) && name.Length > prefix.Length
-            && int.TryParse(name.AsSpan(prefix.Length), NumberStyles.None, CultureInfo.InvariantCulture, out _);
+            && int.TryParse(name.AsSpan(prefix.Length), NumberStyles.None, CultureInfo.InvariantCulture,
+                out _);
         if (isNumbered && !taken.Contains(name))
             return name;
         int number = 0;
@@ -138,9 +148,11 @@ internal sealed class GltfGeometryData
         }
         places.Sort((a, b) => NumberOf(elements[a].Semantic).CompareTo(NumberOf(elements[b].Semantic)));
         for (int number = 0; number < places.Count; number++)
-            elements[places[number]] = (prefix + number.ToString(CultureInfo.InvariantCulture), elements[places[number]].Element);
+            elements[places[number]] =
+                (prefix + number.ToString(CultureInfo.InvariantCulture), elements[places[number]].Element);
 
-        int NumberOf(string semantic) => int.Parse(semantic.AsSpan(prefix.Length), CultureInfo.InvariantCulture);
+        int NumberOf(string semantic) =>
+            int.Parse(semantic.AsSpan(prefix.Length), CultureInfo.InvariantCulture);
     }
 
     private List<GltfGeometryPart> MakeParts()
@@ -154,16 +166,20 @@ internal sealed class GltfGeometryData
     }
 
     private int MaterialOfAll() =>
-        geometry.GetElement(VertexElementType.Material) is VertexElementMaterial element ? element.MaterialOf(0) : 0;
+        geometry.GetElement(VertexElementType.Material) is VertexElementMaterial element
+            ? element.MaterialOf(0) : 0;
 
-    /// <summary>Finds the groups in the order in which the polygons name them; null when all polygons are in one.</summary>
+    /// <summary>
+    /// Finds the groups in the order in which the polygons name them; null when all polygons are in one.
+    /// </summary>
     private static int[]? GroupPolygons(Mesh mesh, List<(int Material, int[] Indices)> groups)
     {
         PolygonStore polygons = mesh.PolygonStore;
         var material = mesh.GetElement(VertexElementType.Material) as VertexElementMaterial;
         var group = mesh.GetElement(VertexElementType.PolygonGroup) as VertexElementPolygonGroup;
         int triangles = polygons.CornerCount - 2 * polygons.Count;
-        bool isOne = group is not { ValueCount: > 0 } && (material is null || material.MappingMode == MappingMode.AllSame);
+        bool isOne = group is not { ValueCount: > 0 }
+            && (material is null || material.MappingMode == MappingMode.AllSame);
         if (isOne)
         {
             groups.Add((material?.MaterialOf(0) ?? 0, new int[triangles * 3]));
@@ -228,8 +244,8 @@ internal sealed class GltfGeometryData
     }
 
     /// <summary>
-    /// Gives each group its own range of vertices when the ranges follow each other, so that vertices between them belong to
-    /// the range before; otherwise all groups use all vertices.
+    /// Gives each group its own range of vertices when the ranges follow each other, so that vertices between
+    /// them belong to the range before; otherwise all groups use all vertices.
     /// </summary>
     private List<GltfGeometryPart> Ranges(List<(int Material, int[] Indices)> groups)
     {
@@ -281,7 +297,9 @@ internal sealed class GltfGeometryData
     {
         var narrow = (float)value;
         return float.IsFinite(narrow) ? narrow
-            : throw context.Error($"the geometry '{geometry.Name}' has the coordinate {value}, which single precision cannot hold");
+            : throw context.Error(
+                $"the geometry '{geometry.Name}' has the coordinate {value}, which single precision "
+                + "cannot hold");
     }
 
     private void AddElement(int index)
@@ -296,7 +314,8 @@ internal sealed class GltfGeometryData
         {
             "NORMAL" => Floats(semantic, 3, vertex => Unit(valueAt(vertex), vertex)),
             "TANGENT" => Floats(semantic, 4, vertex => Tangent(valueAt(vertex))),
-            _ when element is VertexElementUV => Floats(semantic, 2, options.FlipTexCoordV ? vertex => Flip(valueAt(vertex)) : valueAt),
+            _ when element is VertexElementUV =>
+                Floats(semantic, 2, options.FlipTexCoordV ? vertex => Flip(valueAt(vertex)) : valueAt),
             _ => Floats(semantic, 4, valueAt),
         });
     }
@@ -317,7 +336,9 @@ internal sealed class GltfGeometryData
         return new Vector4(instead.Normalize(), 0);
     }
 
-    /// <summary>The normal of the first polygon around a control point that has one; upward where there is none.</summary>
+    /// <summary>
+    /// The normal of the first polygon around a control point that has one; upward where there is none.
+    /// </summary>
     private Vector3 NormalAt(int vertex)
     {
         int controlPoint = vertices.ControlPointOf(vertex);
@@ -359,7 +380,8 @@ internal sealed class GltfGeometryData
         if (Math.Abs(length - 1) < LengthTolerance)
             return new Vector4(value.x, value.y, value.z, sign);
         return length > 0 && double.IsFinite(length)
-            ? new Vector4(value.x / length, value.y / length, value.z / length, sign) : new Vector4(1, 0, 0, sign);
+            ? new Vector4(value.x / length, value.y / length, value.z / length, sign)
+                : new Vector4(1, 0, 0, sign);
     }
 
     private Attribute Floats(string semantic, int components, Func<int, Vector4> valueAt)
@@ -380,7 +402,8 @@ internal sealed class GltfGeometryData
 
     private void AddFallbackNormals()
     {
-        if (options.FallbackNormal is not Vector3 normal || geometry is not Mesh || attributes.Exists(static a => a.Semantic == "NORMAL"))
+        if (options.FallbackNormal is not Vector3 normal || geometry is not Mesh
+            || attributes.Exists(static a => a.Semantic == "NORMAL"))
             return;
         var unit = new Vector4(normal.Normalize(), 0);
         attributes.Add(Floats("NORMAL", 3, _ => unit));
@@ -391,15 +414,21 @@ internal sealed class GltfGeometryData
         foreach (VertexElement element in geometry.VertexElements)
         {
             bool isAttribute = element.Name.StartsWith('_') || GltfSkinReader.IsSkinAttribute(element.Name);
-            if (!isAttribute || element is not VertexElementUserData { Data: Array data } || attributes.Exists(a => a.Semantic == element.Name))
+            if (!isAttribute || element is not VertexElementUserData { Data: Array data }
+                || attributes.Exists(a => a.Semantic == element.Name))
                 continue;
             int points = geometry.ControlPointList.Count;
             int components = points == 0 ? 0 : data.Length / points;
             if (components is not (1 or 2 or 3 or 4 or 9 or 16) || components * points != data.Length)
-                throw context.Error($"the user data '{element.Name}' of the geometry '{geometry.Name}' has {data.Length} values for {points} control points");
+                throw context.Error(
+                    $"the user data '{element.Name}' of the geometry '{geometry.Name}' has {data.Length} "
+                    + $"values for {points} control points");
             if (GltfNumericData.Pack(data, components, vertices) is not { } packed)
-                throw context.Error($"the user data '{element.Name}' of the geometry '{geometry.Name}' holds {data.GetType().GetElementType()!.Name} values, which glTF has no form for");
-            attributes.Add(new Attribute(element.Name, components, packed.Floats, packed.Bytes, packed.ComponentType));
+                throw context.Error(
+                    $"the user data '{element.Name}' of the geometry '{geometry.Name}' holds "
+                    + $"{data.GetType().GetElementType()!.Name} values, which glTF has no form for");
+            attributes.Add(new Attribute(element.Name, components, packed.Floats, packed.Bytes,
+                packed.ComponentType));
         }
     }
 
@@ -415,7 +444,8 @@ internal sealed class GltfGeometryData
             string number = set.ToString(CultureInfo.InvariantCulture);
             byte[] joints = influences.Joints(set, vertices, out int componentType);
             attributes.Add(new Attribute("JOINTS_" + number, 4, null, joints, componentType));
-            attributes.Add(new Attribute("WEIGHTS_" + number, 4, influences.Weights(set, vertices), null, GltfComponents.Float));
+            attributes.Add(new Attribute("WEIGHTS_" + number, 4, influences.Weights(set, vertices), null,
+                GltfComponents.Float));
         }
     }
 
@@ -425,18 +455,21 @@ internal sealed class GltfGeometryData
         {
             var target = new List<Attribute>();
             Shape? shape = GltfMorphs.ShapeOf(channel, context);
-            float[] moves = GltfMorphs.Differences(geometry.ControlPointList, shape?.ControlPointList, shape, vertices, 1, context);
+            float[] moves = GltfMorphs.Differences(geometry.ControlPointList, shape?.ControlPointList, shape,
+                vertices, 1, context);
             target.Add(new Attribute(GltfPrimitive.Position, 3, moves, null, GltfComponents.Float));
             for (int i = 0; i < elements.Count && shape is not null; i++)
             {
                 (string semantic, VertexElementVector4 element) = elements[i];
                 VertexElementVector4? moved = GltfMorphs.Counterpart(shape, element, semantic);
-                bool isPlain = element.MappingMode == MappingMode.ControlPoint && element.ReferenceMode == ReferenceMode.Direct;
+                bool isPlain = element.MappingMode == MappingMode.ControlPoint
+                    && element.ReferenceMode == ReferenceMode.Direct;
                 if (moved is null || !isPlain)
                     continue;
                 int components = element is VertexElementUV ? 2 : semantic is "NORMAL" or "TANGENT" ? 3 : 4;
                 float[] changes = GltfMorphs.Differences(element.DataList, moved.DataList, shape, vertices,
-                                                        element is VertexElementUV && options.FlipTexCoordV ? -1 : 1, context, components);
+                                                        element is VertexElementUV && options.FlipTexCoordV
+                                                            ? -1 : 1, context, components);
                 target.Add(new Attribute(semantic, components, changes, null, GltfComponents.Float));
             }
             targets.Add(target);

@@ -12,16 +12,20 @@ internal static class GltfImages
     internal const string Webp = "image/webp";
     internal const string Ktx2 = "image/ktx2";
 
-    /// <summary>The media type of the content, or null where it is of no kind that a document can hold.</summary>
+    /// <summary>
+    /// The media type of the content, or null where it is of no kind that a document can hold.
+    /// </summary>
     internal static string? MediaTypeOf(ReadOnlySpan<byte> content)
     {
         if (content.StartsWith((ReadOnlySpan<byte>)[0x89, (byte)'P', (byte)'N', (byte)'G']))
             return Png;
         if (content.StartsWith((ReadOnlySpan<byte>)[0xFF, 0xD8, 0xFF]))
             return Jpeg;
-        if (content.Length >= 12 && content.StartsWith("RIFF"u8) && content.Slice(8, 4).SequenceEqual("WEBP"u8))
+        if (content.Length >= 12 && content.StartsWith("RIFF"u8)
+            && content.Slice(8, 4).SequenceEqual("WEBP"u8))
             return Webp;
-        if (content.StartsWith((ReadOnlySpan<byte>)[0xAB, (byte)'K', (byte)'T', (byte)'X', (byte)' ', (byte)'2', (byte)'0', 0xBB]))
+        if (content.StartsWith((ReadOnlySpan<byte>)[0xAB, (byte)'K', (byte)'T', (byte)'X', (byte)' ',
+            (byte)'2', (byte)'0', 0xBB]))
             return Ktx2;
         return null;
     }
@@ -43,7 +47,8 @@ internal static class GltfImages
             safe.Append(c < ' ' || "\\/:*?\"<>|".Contains(c, StringComparison.Ordinal) ? '_' : c);
         string result = safe.ToString().Trim('.', ' ');
         return result.Length == 0 ? "image" : Path.GetFileNameWithoutExtension(result) is { Length: > 0 } stem
-            && Path.GetExtension(result).ToLowerInvariant() is ".png" or ".jpg" or ".jpeg" or ".webp" or ".ktx2"
+            && Path.GetExtension(result).ToLowerInvariant() is ".png" or ".jpg" or ".jpeg" or ".webp"
+                or ".ktx2"
             ? Path.GetFileNameWithoutExtension(result) : result;
     }
 }

@@ -5,8 +5,8 @@ using Velbor.Voxlar.Deformers;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Which bones move each control point and how much, in sets of four. Weights of a control point whose sum is not 1 are
-/// scaled so that it is, as documents ask for.
+/// Which bones move each control point and how much, in sets of four. Weights of a control point whose sum is
+/// not 1 are scaled so that it is, as documents ask for.
 /// </summary>
 internal sealed class GltfInfluences
 {

@@ -6,7 +6,10 @@ using System.Text.Json;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>Where a JSON value stands: the chain of names and indices that leads to it. Turned into text for errors only.</summary>
+/// <summary>
+/// Where a JSON value stands: the chain of names and indices that leads to it. Turned into text for errors
+/// only.
+/// </summary>
 internal sealed class GltfPlace
 {
     private readonly ReadContext context;
@@ -46,10 +49,14 @@ internal sealed class GltfPlace
     }
 }
 
-/// <summary>A JSON value together with its place, so that every getter can refuse a wrong value by file and path.</summary>
+/// <summary>
+/// A JSON value together with its place, so that every getter can refuse a wrong value by file and path.
+/// </summary>
 internal readonly struct GltfJson
 {
-    /// <summary>Deeper nesting than any real file has; it bounds the recursion of everything that walks the document.</summary>
+    /// <summary>
+    /// Deeper nesting than any real file has; it bounds the recursion of everything that walks the document.
+    /// </summary>
     private const int MaximumDepth = 96;
 
     private readonly JsonElement element;
@@ -75,7 +82,8 @@ internal readonly struct GltfJson
             text = text[3..];
         try
         {
-            JsonDocument document = JsonDocument.Parse(text, new JsonDocumentOptions { MaxDepth = MaximumDepth });
+            JsonDocument document =
+                JsonDocument.Parse(text, new JsonDocumentOptions { MaxDepth = MaximumDepth });
             if (document.RootElement.ValueKind != JsonValueKind.Object)
             {
                 document.Dispose();
@@ -87,7 +95,8 @@ internal readonly struct GltfJson
         {
             long line = (e.LineNumber ?? 0) + 1;
             long column = (e.BytePositionInLine ?? 0) + 1;
-            throw context.ErrorAtLine(line, $"not valid JSON at byte {column} of the line: {FirstSentence(e.Message)}", e);
+            throw context.ErrorAtLine(line,
+                $"not valid JSON at byte {column} of the line: {FirstSentence(e.Message)}", e);
         }
     }
 
@@ -218,7 +227,8 @@ internal readonly struct GltfJson
     }
 
     internal double[]? DoublesOrNull(string name) =>
-        TryGet(name, out GltfJson value) ? Array.ConvertAll(value.Items(), static item => item.AsDouble()) : null;
+        TryGet(name, out GltfJson value) ? Array.ConvertAll(value.Items(), static item => item.AsDouble())
+            : null;
 
     /// <summary>A whole number that is not negative. Some writers put 3.0 for 3; that is taken too.</summary>
     internal long AsCount()
@@ -227,13 +237,15 @@ internal readonly struct GltfJson
         {
             if (element.TryGetInt64(out long whole) && whole >= 0)
                 return whole;
-            if (element.TryGetDouble(out double number) && number >= 0 && number < 9e15 && Math.Floor(number) == number)
+            if (element.TryGetDouble(out double number) && number >= 0 && number < 9e15
+                && Math.Floor(number) == number)
                 return (long)number;
         }
         throw Place.Fault("a whole number that is not negative is expected");
     }
 
-    internal long Count(string name, long otherwise) => TryGet(name, out GltfJson value) ? value.AsCount() : otherwise;
+    internal long Count(string name, long otherwise) => TryGet(name, out GltfJson value) ? value.AsCount()
+        : otherwise;
 
     internal long RequireCount(string name) => Require(name).AsCount();
 

@@ -7,9 +7,10 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Makes materials with their textures. A core material becomes a <see cref="PbrMaterial"/>, the specular and glossiness
-/// extension a <see cref="PbrSpecularMaterial"/>, the common materials a Phong or Lambert material. The values of all other
-/// material extensions become dynamic properties named "EXTENSION.member", their textures slots of such a name.
+/// Makes materials with their textures. A core material becomes a <see cref="PbrMaterial"/>, the specular and
+/// glossiness extension a <see cref="PbrSpecularMaterial"/>, the common materials a Phong or Lambert
+/// material. The values of all other material extensions become dynamic properties named "EXTENSION.member",
+/// their textures slots of such a name.
 /// </summary>
 internal sealed class GltfMaterialReader
 {
@@ -43,7 +44,8 @@ internal sealed class GltfMaterialReader
             typed = GltfNames.SpecularGlossiness;
             material = MakeSpecular(json, glossy);
         }
-        else if (json.TryGetExtension(GltfNames.MaterialsCommon, out GltfJson common) && common.TryGet("technique", out _))
+        else if (json.TryGetExtension(GltfNames.MaterialsCommon, out GltfJson common)
+            && common.TryGet("technique", out _))
         {
             typed = GltfNames.MaterialsCommon;
             material = MakeCommon(common);
@@ -109,7 +111,8 @@ internal sealed class GltfMaterialReader
     {
         string technique = common.Require("technique").AsString();
         common.TryGetObject("values", out GltfJson values);
-        LambertMaterial material = technique is "PHONG" or "BLINN" ? new PhongMaterial() : new LambertMaterial();
+        LambertMaterial material = technique is "PHONG" or "BLINN" ? new PhongMaterial()
+            : new LambertMaterial();
         material.AmbientColor = ToVector(Factor(values, "ambient", [0, 0, 0, 1]));
         material.EmissiveColor = ToVector(Factor(values, "emission", [0, 0, 0, 1]));
         material.DiffuseColor = ToVector(Factor(values, "diffuse", [0, 0, 0, 1]));
@@ -162,7 +165,8 @@ internal sealed class GltfMaterialReader
             {
                 empty = false;
                 string property = name + "." + member;
-                if (IsTexture(value) && textures.TryRead(content, member, out Texture? texture, out GltfJson info))
+                if (IsTexture(value)
+                    && textures.TryRead(content, member, out Texture? texture, out GltfJson info))
                     ReadExtensionTexture(material, property, texture!, info);
                 else
                     material.SetProperty(property, GltfValues.FromJson(value.Element));
@@ -172,16 +176,19 @@ internal sealed class GltfMaterialReader
         }
     }
 
-    private static void ReadExtensionTexture(Material material, string property, Texture texture, GltfJson info)
+    private static void ReadExtensionTexture(Material material, string property, Texture texture,
+        GltfJson info)
     {
         bool isSpecularColor = property == GltfNames.MaterialsSpecular + ".specularColorTexture";
-        material.SetTexture(isSpecularColor && material is PbrMaterial ? Material.MapSpecular : property, texture);
+        material.SetTexture(isSpecularColor && material is PbrMaterial ? Material.MapSpecular : property,
+            texture);
         if (info.TryGet("scale", out GltfJson scale))
             material.SetProperty(property + ".scale", scale.AsDouble());
     }
 
     private static bool IsTexture(GltfJson value) =>
-        value.IsObject && value.TryGet("index", out GltfJson index) && index.Element.ValueKind == JsonValueKind.Number;
+        value.IsObject && value.TryGet("index", out GltfJson index)
+            && index.Element.ValueKind == JsonValueKind.Number;
 
     private static double[] Factor(GltfJson owner, string name, double[] otherwise)
     {

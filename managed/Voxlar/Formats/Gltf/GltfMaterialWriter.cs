@@ -7,8 +7,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Writes materials. A Lambert or Phong material is told as the nearest physically based one and, when common materials are
-/// asked for, with its own values in that extension as well.
+/// Writes materials. A Lambert or Phong material is told as the nearest physically based one and, when common
+/// materials are asked for, with its own values in that extension as well.
 /// </summary>
 internal sealed class GltfMaterialWriter
 {
@@ -19,7 +19,8 @@ internal sealed class GltfMaterialWriter
     private readonly Dictionary<Vector3, int> colors = [];
     private readonly Dictionary<Material, int> written = new(ReferenceEqualityComparer.Instance);
 
-    internal GltfMaterialWriter(GltfDocument document, GltfTextureWriter textures, GltfSaveOptions options, WriteContext context)
+    internal GltfMaterialWriter(GltfDocument document, GltfTextureWriter textures, GltfSaveOptions options,
+        WriteContext context)
     {
         this.context = context;
         this.document = document;
@@ -34,7 +35,9 @@ internal sealed class GltfMaterialWriter
         return index;
     }
 
-    /// <summary>A material that shows a colour as it is, for lines that have a colour and no material.</summary>
+    /// <summary>
+    /// A material that shows a colour as it is, for lines that have a colour and no material.
+    /// </summary>
     internal int IndexOfColor(Vector3 color)
     {
         if (colors.TryGetValue(color, out int index))
@@ -83,14 +86,16 @@ internal sealed class GltfMaterialWriter
     {
         var metallic = new JsonObject
         {
-            ["baseColorFactor"] = GltfValues.Factors(pbr.Albedo.x, pbr.Albedo.y, pbr.Albedo.z, 1 - pbr.Transparency),
+            ["baseColorFactor"] =
+                GltfValues.Factors(pbr.Albedo.x, pbr.Albedo.y, pbr.Albedo.z, 1 - pbr.Transparency),
             ["metallicFactor"] = GltfValues.Factor(pbr.MetallicFactor),
             ["roughnessFactor"] = GltfValues.Factor(pbr.RoughnessFactor),
         };
         SetTexture(metallic, "baseColorTexture", pbr.AlbedoTexture);
         SetTexture(metallic, "metallicRoughnessTexture", pbr.MetallicRoughness);
         json["pbrMetallicRoughness"] = metallic;
-        if (SetTexture(json, "occlusionTexture", pbr.OcclusionTexture) is JsonObject occlusion && pbr.OcclusionFactor != 1)
+        if (SetTexture(json, "occlusionTexture", pbr.OcclusionTexture) is JsonObject occlusion
+            && pbr.OcclusionFactor != 1)
             occlusion["strength"] = GltfValues.Factor(pbr.OcclusionFactor);
         WriteEmission(json, pbr.EmissiveColor, pbr.EmissiveTexture);
         if (pbr.SpecularTexture is TextureBase specular)
@@ -109,7 +114,8 @@ internal sealed class GltfMaterialWriter
         {
             ["diffuseFactor"] = GltfValues.Factors(material.Diffuse.x, material.Diffuse.y, material.Diffuse.z,
                                                    1 - material.Transparency),
-            ["specularFactor"] = GltfValues.Factors(material.Specular.x, material.Specular.y, material.Specular.z),
+            ["specularFactor"] =
+                GltfValues.Factors(material.Specular.x, material.Specular.y, material.Specular.z),
             ["glossinessFactor"] = GltfValues.Factor(material.GlossinessFactor),
         };
         SetTexture(content, "diffuseTexture", material.DiffuseTexture);
@@ -136,7 +142,8 @@ internal sealed class GltfMaterialWriter
         SetTexture(values, "ambientTexture", lambert.GetTexture(Material.MapAmbient));
         SetTexture(values, "emissionTexture", lambert.GetTexture(Material.MapEmissive));
         SetTexture(values, "specularTexture", lambert.GetTexture(Material.MapSpecular));
-        return new JsonObject { ["technique"] = lambert is PhongMaterial ? "PHONG" : "LAMBERT", ["values"] = values };
+        string technique = lambert is PhongMaterial ? "PHONG" : "LAMBERT";
+        return new JsonObject { ["technique"] = technique, ["values"] = values };
     }
 
     private static JsonArray Color(Vector3 color) => GltfValues.Factors(color.x, color.y, color.z, 1);
@@ -147,7 +154,8 @@ internal sealed class GltfMaterialWriter
         {
             // The core holds emission up to 1; what shines brighter needs the strength beside it.
             double strength = Math.Max(1, Math.Max(color.x, Math.Max(color.y, color.z)));
-            json["emissiveFactor"] = GltfValues.Factors(color.x / strength, color.y / strength, color.z / strength);
+            json["emissiveFactor"] =
+                GltfValues.Factors(color.x / strength, color.y / strength, color.z / strength);
             if (strength > 1)
             {
                 var content = new JsonObject { ["emissiveStrength"] = GltfValues.Factor(strength) };
@@ -183,7 +191,8 @@ internal sealed class GltfMaterialWriter
     {
         foreach (Property property in material.Properties)
         {
-            if (property is not UserProperty || !GltfNames.TrySplitExtension(property.Name, out string name, out string member))
+            if (property is not UserProperty
+                || !GltfNames.TrySplitExtension(property.Name, out string name, out string member))
                 continue;
             JsonObject content = ContentOf(json, name);
             if (member.Length > 0 && !member.Contains('.', StringComparison.Ordinal))
@@ -191,7 +200,8 @@ internal sealed class GltfMaterialWriter
         }
         foreach (TextureSlot slot in material)
         {
-            if (!GltfNames.TrySplitExtension(slot.SlotName, out string name, out string member) || member.Length == 0)
+            if (!GltfNames.TrySplitExtension(slot.SlotName, out string name, out string member)
+                || member.Length == 0)
                 continue;
             JsonObject? info = SetTexture(ContentOf(json, name), member, slot.Texture);
             if (info is not null && material.GetProperty(slot.SlotName + ".scale") is double scale)

@@ -8,14 +8,18 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>What a mesh becomes: the entities for its node, the materials that they index, and their morph channels.</summary>
-internal sealed record GltfMeshContent(List<Entity> Entities, List<Material> Materials, List<MorphTargetChannel[]> Morphs);
+/// <summary>
+/// What a mesh becomes: the entities for its node, the materials that they index, and their morph channels.
+/// </summary>
+internal sealed record GltfMeshContent(List<Entity> Entities, List<Material> Materials,
+    List<MorphTargetChannel[]> Morphs);
 
 /// <summary>
-/// Makes the entities of meshes. All triangle primitives of a mesh whose attributes have the same names become one
-/// <see cref="Mesh"/>, each points primitive a <see cref="PointCloud"/>, each lines primitive a <see cref="Line"/>; all of them
-/// stand on the node. Every stored vertex is one control point: nothing is merged or split, and primitives that share their
-/// vertices share the control points. A mesh that several nodes show is made once and stands on all of them.
+/// Makes the entities of meshes. All triangle primitives of a mesh whose attributes have the same names
+/// become one <see cref="Mesh"/>, each points primitive a <see cref="PointCloud"/>, each lines primitive a
+/// <see cref="Line"/>; all of them stand on the node. Every stored vertex is one control point: nothing is
+/// merged or split, and primitives that share their vertices share the control points. A mesh that several
+/// nodes show is made once and stands on all of them.
 /// </summary>
 internal sealed class GltfMeshReader
 {
@@ -27,7 +31,8 @@ internal sealed class GltfMeshReader
     private readonly Dictionary<(int Mesh, int Skin, string Weights), GltfMeshContent> made = [];
     private readonly bool[] used;
 
-    internal GltfMeshReader(GltfJson root, GltfAccessors accessors, GltfMaterialReader materials, GltfSkinReader skins, bool flipV)
+    internal GltfMeshReader(GltfJson root, GltfAccessors accessors, GltfMaterialReader materials,
+        GltfSkinReader skins, bool flipV)
     {
         meshes = root.Objects("meshes");
         used = new bool[meshes.Length];
@@ -41,7 +46,9 @@ internal sealed class GltfMeshReader
 
     internal bool IsUsed(int mesh) => used[mesh];
 
-    /// <summary>The content of a mesh. The same mesh with the same skin and weights gives the same entities.</summary>
+    /// <summary>
+    /// The content of a mesh. The same mesh with the same skin and weights gives the same entities.
+    /// </summary>
     /// <param name="mesh">The index of the mesh.</param>
     /// <param name="skin">The index of the skin that deforms it, or -1.</param>
     /// <param name="weights">The weights of the morph targets when the node tells its own.</param>
@@ -74,7 +81,8 @@ internal sealed class GltfMeshReader
             Entity entity = first.Mode switch
             {
                 GltfPrimitive.Points => MakePoints(name, first),
-                GltfPrimitive.Lines or GltfPrimitive.LineLoop or GltfPrimitive.LineStrip => MakeLine(name, first),
+                GltfPrimitive.Lines or GltfPrimitive.LineLoop or GltfPrimitive.LineStrip =>
+                    MakeLine(name, first),
                 _ => MakeMesh(name, primitives, group, slots),
             };
             if (severalMaterials)
@@ -97,12 +105,14 @@ internal sealed class GltfMeshReader
     private static void ReadPrimitiveExtras(GltfPrimitive[] primitives, List<int> group, Entity entity)
     {
         List<object?> extras = group.ConvertAll(index =>
-            primitives[index].Json.TryGet(GltfNames.Extras, out GltfJson told) ? GltfValues.FromJson(told.Element) : null);
+            primitives[index].Json.TryGet(GltfNames.Extras, out GltfJson told)
+                ? GltfValues.FromJson(told.Element) : null);
         if (extras.Exists(static item => item is not null))
             entity.SetProperty(GltfNames.PrimitiveExtras, extras);
     }
 
-    // Compressed data may come with a plain copy, and then need not be understood; without one there is nothing to read.
+    // Compressed data may come with a plain copy, and then need not be understood; without one there is
+    // nothing to read.
     private void CheckDraco(GltfPrimitive primitive)
     {
         if (primitive.Json.TryGetExtension(GltfNames.Draco, out GltfJson draco)
@@ -119,8 +129,9 @@ internal sealed class GltfMeshReader
     }
 
     /// <summary>
-    /// Puts the materials of the primitives into a list and gives the place of each primitive's. Where some primitives have a
-    /// material and others none, these get the default material, since a place in the list must be told for all.
+    /// Puts the materials of the primitives into a list and gives the place of each primitive's. Where some
+    /// primitives have a material and others none, these get the default material, since a place in the list
+    /// must be told for all.
     /// </summary>
     private int[] MaterialSlots(GltfPrimitive[] primitives, List<Material> list)
     {
@@ -129,7 +140,8 @@ internal sealed class GltfMeshReader
             return slots;
         for (int i = 0; i < primitives.Length; i++)
         {
-            Material material = primitives[i].Material < 0 ? materials.Default : materials.Get(primitives[i].Material);
+            Material material = primitives[i].Material < 0 ? materials.Default
+                : materials.Get(primitives[i].Material);
             slots[i] = list.IndexOf(material);
             if (slots[i] < 0)
             {
@@ -187,7 +199,11 @@ internal sealed class GltfMeshReader
             distinct.Add(slots[index]);
         if (distinct.Count < group.Count)
         {
-            var element = new VertexElementPolygonGroup { MappingMode = MappingMode.Polygon, ReferenceMode = ReferenceMode.Direct };
+            var element = new VertexElementPolygonGroup
+            {
+                MappingMode = MappingMode.Polygon,
+                ReferenceMode = ReferenceMode.Direct,
+            };
             element.SetData([.. groupOfPolygon]);
             mesh.AddElement(element);
         }
@@ -202,8 +218,11 @@ internal sealed class GltfMeshReader
             polygons.Add(corners.AsSpan(i, 3));
     }
 
-    /// <summary>Lays the vertices of a group's primitives one after the other, those of shared vertices once.</summary>
-    private static List<(GltfPrimitive Primitive, int Start)> Blocks(GltfPrimitive[] primitives, List<int> group, out int[] starts)
+    /// <summary>
+    /// Lays the vertices of a group's primitives one after the other, those of shared vertices once.
+    /// </summary>
+    private static List<(GltfPrimitive Primitive, int Start)> Blocks(GltfPrimitive[] primitives,
+        List<int> group, out int[] starts)
     {
         var blocks = new List<(GltfPrimitive, int)>();
         var startOf = new Dictionary<string, int>(StringComparer.Ordinal);
@@ -255,7 +274,8 @@ internal sealed class GltfMeshReader
         {
             line.Segments.Add(primitive.Mode == GltfPrimitive.LineLoop ? [.. indices, indices[0]] : indices);
         }
-        // A line has no vertex elements; what else is told of its vertices stays under the name of the attribute.
+        // A line has no vertex elements; what else is told of its vertices stays under the name of the
+        // attribute.
         foreach ((string semantic, int accessor) in primitive.Attributes)
         {
             if (semantic != GltfPrimitive.Position)
@@ -284,7 +304,8 @@ internal sealed class GltfMeshReader
             var indices = new List<int>();
             foreach (int index in group)
             {
-                int corners = primitives[index].Indices >= 0 ? accessors.ElementCount(primitives[index].Indices)
+                int corners = primitives[index].Indices >= 0
+                    ? accessors.ElementCount(primitives[index].Indices)
                                                              : primitives[index].VertexCount;
                 int count = primitives[index].Mode == GltfPrimitive.Triangles ? corners / 3 : corners - 2;
                 for (int k = 0; k < count; k++)
@@ -308,7 +329,8 @@ internal sealed class GltfMeshReader
         }
     }
 
-    private VertexElement MakeElement(List<(GltfPrimitive Primitive, int Start)> blocks, int total, string semantic)
+    private VertexElement MakeElement(List<(GltfPrimitive Primitive, int Start)> blocks, int total,
+        string semantic)
     {
         VertexElementVector4? element = null;
         int components = accessors.ComponentCount(blocks[0].Primitive.Attributes[semantic]);
@@ -336,18 +358,21 @@ internal sealed class GltfMeshReader
             values = Vectors(blocks, total, semantic, components, 1);
         }
         if (element is null)
-            return GltfElements.Named(new VertexElementUserData { Data = AsStored(blocks, semantic) }, semantic);
+            return GltfElements.Named(new VertexElementUserData { Data = AsStored(blocks, semantic) },
+                semantic);
         element.SetData(values!);
         return GltfElements.Named(element, semantic);
     }
 
-    private Vector4[] Vectors(List<(GltfPrimitive Primitive, int Start)> blocks, int total, string semantic, int components, double last)
+    private Vector4[] Vectors(List<(GltfPrimitive Primitive, int Start)> blocks, int total, string semantic,
+        int components, double last)
     {
         var values = new Vector4[total];
         foreach ((GltfPrimitive primitive, int start) in blocks)
         {
             float[] floats = accessors.ReadFloats(
-                primitive.Attributes[semantic], components, primitive.Place.Child("attributes").Child(semantic));
+                primitive.Attributes[semantic], components,
+                primitive.Place.Child("attributes").Child(semantic));
             GltfVectors.Copy(floats, components, last, values.AsSpan(start));
         }
         return values;
@@ -363,8 +388,8 @@ internal sealed class GltfMeshReader
         return all.ToArray();
     }
 
-    private void Deform(Geometry geometry, GltfJson json, GltfPrimitive[] primitives, List<int> group, int skin,
-                        double[]? weights, List<MorphTargetChannel[]> morphs)
+    private void Deform(Geometry geometry, GltfJson json, GltfPrimitive[] primitives, List<int> group,
+        int skin, double[]? weights, List<MorphTargetChannel[]> morphs)
     {
         List<(GltfPrimitive Primitive, int Start)> blocks = Blocks(primitives, group, out _);
         if (skin >= 0 && blocks[0].Primitive.Attributes.ContainsKey("JOINTS_0"))
@@ -373,19 +398,25 @@ internal sealed class GltfMeshReader
             KeepSkinAttributes(geometry, blocks);
         if (blocks[0].Primitive.Targets.Length > 0)
         {
-            MorphTargetDeformer deformer = GltfMorphReader.Make(geometry, json, blocks, accessors, weights, flipV);
+            MorphTargetDeformer deformer =
+                GltfMorphReader.Make(geometry, json, blocks, accessors, weights, flipV);
             geometry.Deformers.Add(deformer);
             morphs.Add([.. deformer.Channels]);
         }
     }
 
-    /// <summary>Joints and weights without a skin mean nothing, but another node may use the mesh with one.</summary>
+    /// <summary>
+    /// Joints and weights without a skin mean nothing, but another node may use the mesh with one.
+    /// </summary>
     private void KeepSkinAttributes(Geometry geometry, List<(GltfPrimitive Primitive, int Start)> blocks)
     {
         foreach (string semantic in blocks[0].Primitive.Attributes.Keys)
         {
             if (GltfSkinReader.IsSkinAttribute(semantic))
-                geometry.AddElement(GltfElements.Named(new VertexElementUserData { Data = AsStored(blocks, semantic) }, semantic));
+            {
+                var data = new VertexElementUserData { Data = AsStored(blocks, semantic) };
+                geometry.AddElement(GltfElements.Named(data, semantic));
+            }
         }
     }
 }

@@ -11,10 +11,10 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Writes meshes. A geometry becomes one primitive for each material and polygon group of its polygons, all over the same
-/// vertices; where these primitives use ranges of vertices that do not overlap, each gets its range. A geometry without
-/// polygons becomes points, a line becomes lines. Polygons of n corners are cut into n - 2 triangles. Smoothing groups,
-/// creases and holes have no place in a document.
+/// Writes meshes. A geometry becomes one primitive for each material and polygon group of its polygons, all
+/// over the same vertices; where these primitives use ranges of vertices that do not overlap, each gets its
+/// range. A geometry without polygons becomes points, a line becomes lines. Polygons of n corners are cut
+/// into n - 2 triangles. Smoothing groups, creases and holes have no place in a document.
 /// </summary>
 internal sealed class GltfMeshWriter
 {
@@ -26,7 +26,8 @@ internal sealed class GltfMeshWriter
     private readonly Dictionary<object, int> numbers = new(ReferenceEqualityComparer.Instance);
     private readonly Dictionary<Geometry, GltfGeometryData> dataOf = new(ReferenceEqualityComparer.Instance);
 
-    internal GltfMeshWriter(GltfDocument document, GltfMaterialWriter materials, GltfSaveOptions options, WriteContext context)
+    internal GltfMeshWriter(GltfDocument document, GltfMaterialWriter materials, GltfSaveOptions options,
+        WriteContext context)
     {
         this.document = document;
         this.materials = materials;
@@ -64,7 +65,9 @@ internal sealed class GltfMeshWriter
         return meshOf[key] = document.Add("meshes", json);
     }
 
-    /// <summary>Whether a property of an entity is written elsewhere than in the extras of its mesh.</summary>
+    /// <summary>
+    /// Whether a property of an entity is written elsewhere than in the extras of its mesh.
+    /// </summary>
     internal static bool HasOwnPlace(string name) =>
         name is GltfNames.MaterialIndex or GltfNames.PrimitiveExtras || GltfLines.IsAttribute(name);
 
@@ -122,7 +125,8 @@ internal sealed class GltfMeshWriter
         if (nodeMaterials.Count == 0 && line.Color != Vector3.Origin)
             primitive["material"] = materials.IndexOfColor(line.Color);
         else
-            SetMaterial(primitive, line.GetProperty(GltfNames.MaterialIndex) is int slot ? slot : 0, nodeMaterials);
+            SetMaterial(primitive, line.GetProperty(GltfNames.MaterialIndex) is int slot ? slot : 0,
+                nodeMaterials);
         SetExtras(primitive, line, 0, 1);
         primitives.Add((JsonNode)primitive);
     }
@@ -130,10 +134,12 @@ internal sealed class GltfMeshWriter
     // Extras are kept as long as there are as many primitives as there were.
     private void SetExtras(JsonObject primitive, Entity entity, int index, int count)
     {
-        bool isTold = options.SaveExtras && entity.GetProperty(GltfNames.PrimitiveExtras) is IList<object?> list && list.Count == count
+        bool isTold = options.SaveExtras
+            && entity.GetProperty(GltfNames.PrimitiveExtras) is IList<object?> list && list.Count == count
             && list[index] is not null;
         if (isTold)
-            primitive["extras"] = GltfValues.ToJson(((IList<object?>)entity.GetProperty(GltfNames.PrimitiveExtras)!)[index]);
+            primitive["extras"] =
+                GltfValues.ToJson(((IList<object?>)entity.GetProperty(GltfNames.PrimitiveExtras)!)[index]);
     }
 
     private void SetMaterial(JsonObject primitive, int slot, IList<Material> nodeMaterials)

@@ -7,12 +7,13 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Makes morph target deformers: a channel with one shape for each target. The document tells differences; a shape holds the
-/// sums, so what it shows is the geometry with the target in full.
+/// Makes morph target deformers: a channel with one shape for each target. The document tells differences; a
+/// shape holds the sums, so what it shows is the geometry with the target in full.
 /// </summary>
 internal static class GltfMorphReader
 {
-    internal static MorphTargetDeformer Make(Geometry geometry, GltfJson mesh, List<(GltfPrimitive Primitive, int Start)> blocks,
+    internal static MorphTargetDeformer Make(Geometry geometry, GltfJson mesh,
+        List<(GltfPrimitive Primitive, int Start)> blocks,
                                              GltfAccessors accessors, double[]? weights, bool flipV)
     {
         var deformer = new MorphTargetDeformer(mesh.StringOrNull("name") ?? string.Empty);
@@ -33,14 +34,16 @@ internal static class GltfMorphReader
 
     private static string[] NamesOf(GltfJson mesh)
     {
-        if (!mesh.TryGet(GltfNames.Extras, out GltfJson extras) || !extras.TryGet("targetNames", out GltfJson names)
+        if (!mesh.TryGet(GltfNames.Extras, out GltfJson extras)
+            || !extras.TryGet("targetNames", out GltfJson names)
             || names.Element.ValueKind != System.Text.Json.JsonValueKind.Array)
             return [];
         return Array.ConvertAll(names.Items(), static item =>
             item.Element.ValueKind == System.Text.Json.JsonValueKind.String ? item.AsString() : string.Empty);
     }
 
-    private static Shape MakeShape(string name, Geometry geometry, List<(GltfPrimitive Primitive, int Start)> blocks, int target,
+    private static Shape MakeShape(string name, Geometry geometry,
+        List<(GltfPrimitive Primitive, int Start)> blocks, int target,
                                    GltfAccessors accessors, bool flipV)
     {
         var shape = new Shape(name);
@@ -54,8 +57,10 @@ internal static class GltfMorphReader
             }
             VertexElementVector4? element = NewElement(semantic);
             VertexElement? original = GltfElements.FindNamed(geometry, semantic);
-            if (element is null || original is not VertexElementVector4 given || given.Data.Count != points.Length)
-                throw blocks[0].Primitive.Place.Child("targets").Fault($"a morph target of {semantic} is not supported");
+            if (element is null || original is not VertexElementVector4 given
+                || given.Data.Count != points.Length)
+                throw blocks[0].Primitive.Place.Child("targets").Fault(
+                    $"a morph target of {semantic} is not supported");
             Vector4[] values = [.. given.Data];
             Add(values, blocks, target, semantic, accessors, flipV && element is VertexElementUV ? -1 : 1);
             element.SetData(values);
@@ -73,10 +78,12 @@ internal static class GltfMorphReader
             return new VertexElementTangent();
         if (semantic.StartsWith("TEXCOORD_", StringComparison.Ordinal))
             return new VertexElementUV(TextureMapping.Diffuse);
-        return semantic.StartsWith("COLOR_", StringComparison.Ordinal) ? new VertexElementVertexColor() : null;
+        return semantic.StartsWith("COLOR_", StringComparison.Ordinal) ? new VertexElementVertexColor()
+            : null;
     }
 
-    private static void Add(Vector4[] values, List<(GltfPrimitive Primitive, int Start)> blocks, int target, string semantic,
+    private static void Add(Vector4[] values, List<(GltfPrimitive Primitive, int Start)> blocks, int target,
+        string semantic,
                             GltfAccessors accessors, double signOfV)
     {
         foreach ((GltfPrimitive primitive, int start) in blocks)

@@ -7,8 +7,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Morph targets on the way out. A document tells differences and reaches a target in full at weight 1, so a channel's
-/// weight is divided by the weight at which its shape is reached. Channels with shapes in between have no form.
+/// Morph targets on the way out. A document tells differences and reaches a target in full at weight 1, so a
+/// channel's weight is divided by the weight at which its shape is reached. Channels with shapes in between
+/// have no form.
 /// </summary>
 internal static class GltfMorphs
 {
@@ -25,11 +26,14 @@ internal static class GltfMorphs
         return channels;
     }
 
-    internal static Shape? ShapeOf(MorphTargetChannel channel, WriteContext context) => channel.Targets.Count switch
+    internal static Shape? ShapeOf(MorphTargetChannel channel, WriteContext context) =>
+        channel.Targets.Count switch
     {
         0 => null,
         1 => channel.Targets[0],
-        _ => throw context.Error($"the morph channel '{channel.Name}' has {channel.Targets.Count} shapes; glTF holds one a channel"),
+        _ => throw context.Error(
+            $"the morph channel '{channel.Name}' has {channel.Targets.Count} shapes; glTF holds one a "
+            + "channel"),
     };
 
     /// <summary>The factor from the weight of the channel to that in the document.</summary>
@@ -50,13 +54,18 @@ internal static class GltfMorphs
         return weights;
     }
 
-    /// <summary>The element of a shape that belongs to an element of the geometry: of its name, or else the first of its kind.</summary>
-    internal static VertexElementVector4? Counterpart(Shape shape, VertexElementVector4 element, string semantic)
+    /// <summary>
+    /// The element of a shape that belongs to an element of the geometry: of its name, or else the first of
+    /// its kind.
+    /// </summary>
+    internal static VertexElementVector4? Counterpart(Shape shape, VertexElementVector4 element,
+        string semantic)
     {
         VertexElementVector4? first = null;
         foreach (VertexElement candidate in shape.VertexElements)
         {
-            if (candidate is not VertexElementVector4 values || candidate.VertexElementType != element.VertexElementType)
+            if (candidate is not VertexElementVector4 values
+                || candidate.VertexElementType != element.VertexElementType)
                 continue;
             if (candidate.Name == semantic)
                 return values;
@@ -73,7 +82,8 @@ internal static class GltfMorphs
     /// <param name="signOfY">-1 where y is turned upside down on the way out.</param>
     /// <param name="context">For failure reports.</param>
     /// <param name="components">Components of a value.</param>
-    internal static float[] Differences(List<Vector4> original, List<Vector4>? moved, Shape? shape, GltfVertices vertices,
+    internal static float[] Differences(List<Vector4> original, List<Vector4>? moved, Shape? shape,
+        GltfVertices vertices,
                                         double signOfY, WriteContext context, int components = 3)
     {
         var differences = new Vector4[original.Count];
@@ -81,12 +91,16 @@ internal static class GltfMorphs
         {
             bool isIndexed = shape!.Indices.Count > 0;
             if (moved.Count != (isIndexed ? shape.Indices.Count : original.Count))
-                throw context.Error($"the shape '{shape.Name}' has {moved.Count} values for {(isIndexed ? shape.Indices.Count : original.Count)} control points");
+                throw context.Error(
+                    $"the shape '{shape.Name}' has {moved.Count} values for "
+                    + $"{(isIndexed ? shape.Indices.Count : original.Count)} control points");
             for (int i = 0; i < moved.Count; i++)
             {
                 int at = isIndexed ? shape.Indices[i] : i;
                 if ((uint)at >= (uint)original.Count)
-                    throw context.Error($"the shape '{shape.Name}' moves control point {at}; the geometry has {original.Count}");
+                    throw context.Error(
+                        $"the shape '{shape.Name}' moves control point {at}; the geometry has "
+                        + $"{original.Count}");
                 differences[at] = moved[i] - original[at];
             }
         }

@@ -2,7 +2,10 @@ using System;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>Names of extensions, and of the dynamic properties and texture slots that carry what the classes have no member for.</summary>
+/// <summary>
+/// Names of extensions, and of the dynamic properties and texture slots that carry what the classes have no
+/// member for.
+/// </summary>
 internal static class GltfNames
 {
     internal const string LightsPunctual = "KHR_lights_punctual";
@@ -28,22 +31,31 @@ internal static class GltfNames
     internal const string PrimitiveExtras = "PrimitiveExtras";
     internal const string FreeAspectRatio = "FreeAspectRatio";
 
-    /// <summary>Extras that are no JSON object stand under this name, since they have no names of their own.</summary>
+    /// <summary>
+    /// Extras that are no JSON object stand under this name, since they have no names of their own.
+    /// </summary>
     internal const string Extras = "extras";
 
-    /// <summary>Extensions that a file may require: what they mean is understood, or their data is carried on as it is.</summary>
+    /// <summary>
+    /// Extensions that a file may require: what they mean is understood, or their data is carried on as it
+    /// is.
+    /// </summary>
     internal static bool IsUnderstood(string extension) => extension is
-        LightsPunctual or TextureTransform or MeshQuantization or SpecularGlossiness or MaterialsSpecular or NodeVisibility
-        or WebpImages or BasisImages or MaterialsCommon
+        LightsPunctual or TextureTransform or MeshQuantization or SpecularGlossiness or MaterialsSpecular
+        or NodeVisibility or WebpImages or BasisImages or MaterialsCommon
         || IsCarriedMaterialExtension(extension);
 
     // Only their values and textures matter, and both survive as dynamic properties and texture slots.
     private static bool IsCarriedMaterialExtension(string extension) => extension is
-        "KHR_materials_unlit" or "KHR_materials_clearcoat" or "KHR_materials_transmission" or "KHR_materials_volume"
-        or "KHR_materials_ior" or "KHR_materials_sheen" or "KHR_materials_iridescence" or "KHR_materials_anisotropy"
-        or "KHR_materials_dispersion" or "KHR_materials_emissive_strength" or "KHR_materials_diffuse_transmission";
+        "KHR_materials_unlit" or "KHR_materials_clearcoat" or "KHR_materials_transmission"
+        or "KHR_materials_volume" or "KHR_materials_ior" or "KHR_materials_sheen"
+        or "KHR_materials_iridescence" or "KHR_materials_anisotropy" or "KHR_materials_dispersion"
+        or "KHR_materials_emissive_strength" or "KHR_materials_diffuse_transmission";
 
-    /// <summary>Whether a property's or slot's name begins with the name of an extension, such as "KHR_materials_ior.ior".</summary>
+    /// <summary>
+    /// Whether a property's or slot's name begins with the name of an extension, such as
+    /// "KHR_materials_ior.ior".
+    /// </summary>
     internal static bool TrySplitExtension(string name, out string extension, out string member)
     {
         int dot = name.IndexOf('.', StringComparison.Ordinal);

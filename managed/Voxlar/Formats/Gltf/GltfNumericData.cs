@@ -6,13 +6,16 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// <summary>User data of numbers as vertex attributes.</summary>
 internal static class GltfNumericData
 {
-    /// <summary>Floats, or bytes of integers whose elements are filled up to multiples of four bytes.</summary>
+    /// <summary>
+    /// Floats, or bytes of integers whose elements are filled up to multiples of four bytes.
+    /// </summary>
     internal readonly record struct Packed(float[]? Floats, byte[]? Bytes, int ComponentType);
 
     /// <summary>The values in the order of the vertices; null for values that are no numbers.</summary>
     internal static Packed? Pack(Array data, int components, GltfVertices vertices)
     {
-        // Integers of more than four components would need columns; they are exact as single precision as well.
+        // Integers of more than four components would need columns; they are exact as single precision as
+        // well.
         bool keepsIntegers = components <= 4;
         return data switch
         {
@@ -20,9 +23,11 @@ internal static class GltfNumericData
             double[] values => ToFloats(values, components, vertices, static v => (float)v),
             int[] values => ToFloats(values, components, vertices, static v => v),
             uint[] values => ToFloats(values, components, vertices, static v => v),
-            byte[] values when keepsIntegers => ToBytes(values, components, vertices, GltfComponents.UnsignedByte),
+            byte[] values when keepsIntegers =>
+                ToBytes(values, components, vertices, GltfComponents.UnsignedByte),
             sbyte[] values when keepsIntegers => ToBytes(values, components, vertices, GltfComponents.Byte),
-            ushort[] values when keepsIntegers => ToBytes(values, components, vertices, GltfComponents.UnsignedShort),
+            ushort[] values when keepsIntegers =>
+                ToBytes(values, components, vertices, GltfComponents.UnsignedShort),
             short[] values when keepsIntegers => ToBytes(values, components, vertices, GltfComponents.Short),
             byte[] values => ToFloats(values, components, vertices, static v => v),
             sbyte[] values => ToFloats(values, components, vertices, static v => v),
@@ -32,7 +37,8 @@ internal static class GltfNumericData
         };
     }
 
-    private static Packed ToFloats<T>(T[] values, int components, GltfVertices vertices, Func<T, float> convert)
+    private static Packed ToFloats<T>(T[] values, int components, GltfVertices vertices,
+        Func<T, float> convert)
     {
         var floats = new float[vertices.Count * components];
         for (int vertex = 0, k = 0; vertex < vertices.Count; vertex++)

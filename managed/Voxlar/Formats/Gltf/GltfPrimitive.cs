@@ -5,7 +5,9 @@ using System.Text;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>A primitive of a mesh as the document tells it, with everything checked that needs no decoded data.</summary>
+/// <summary>
+/// A primitive of a mesh as the document tells it, with everything checked that needs no decoded data.
+/// </summary>
 internal sealed class GltfPrimitive
 {
     internal const int Points = 0;
@@ -57,12 +59,14 @@ internal sealed class GltfPrimitive
         accessors.RequireComponents(position, 3, json.Place.Child("attributes").Child(Position));
         int count = accessors.ElementCount(position);
         var targets = Array.ConvertAll(json.Objects("targets"), target => ReadAttributes(target, accessors));
-        foreach (SortedDictionary<string, int> set in (SortedDictionary<string, int>[])[attributes, .. targets])
+        foreach (SortedDictionary<string, int> set in (SortedDictionary<string, int>[])[attributes,
+            .. targets])
         {
             foreach ((string semantic, int accessor) in set)
             {
                 if (accessors.ElementCount(accessor) != count)
-                    throw json.Place.Fault($"{semantic} has {accessors.ElementCount(accessor)} elements, POSITION has {count}");
+                    throw json.Place.Fault(
+                        $"{semantic} has {accessors.ElementCount(accessor)} elements, POSITION has {count}");
             }
         }
         var primitive = new GltfPrimitive(json)
@@ -108,7 +112,9 @@ internal sealed class GltfPrimitive
         }
     }
 
-    /// <summary>The vertex numbers that the primitive goes through, each checked against the number of vertices.</summary>
+    /// <summary>
+    /// The vertex numbers that the primitive goes through, each checked against the number of vertices.
+    /// </summary>
     internal int[] ReadIndices(GltfAccessors accessors)
     {
         if (Indices < 0)
@@ -124,12 +130,15 @@ internal sealed class GltfPrimitive
         for (int i = 0; i < indices.Length; i++)
         {
             if ((uint)indices[i] >= (uint)VertexCount)
-                throw place.Fault($"index {i} is {(uint)indices[i]}, but the primitive has {VertexCount} vertices");
+                throw place.Fault(
+                    $"index {i} is {(uint)indices[i]}, but the primitive has {VertexCount} vertices");
         }
         return indices;
     }
 
-    /// <summary>The corners of all triangles, three by three, in the order and orientation that the mode tells.</summary>
+    /// <summary>
+    /// The corners of all triangles, three by three, in the order and orientation that the mode tells.
+    /// </summary>
     internal int[] ReadTriangles(GltfAccessors accessors)
     {
         int[] indices = ReadIndices(accessors);

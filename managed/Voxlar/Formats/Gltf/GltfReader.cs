@@ -9,8 +9,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Reads glTF 2.0, both forms. What a document holds besides its scenes (nodes, materials, meshes that no scene shows) goes
-/// to the library of the scene, so that nothing is lost. Required extensions that are not understood are refused by name.
+/// Reads glTF 2.0, both forms. What a document holds besides its scenes (nodes, materials, meshes that no
+/// scene shows) goes to the library of the scene, so that nothing is lost. Required extensions that are not
+/// understood are refused by name.
 /// </summary>
 internal sealed class GltfReader : ISceneReader
 {
@@ -36,11 +37,14 @@ internal sealed class GltfReader : ISceneReader
             throw root.Place.Fault("the member \"asset\" is missing, so this is no glTF 2.0");
         string version = asset.Require("version").AsString();
         if (version.StartsWith("1.", StringComparison.Ordinal) || version == "1")
-            throw asset.Place.Child("version").Fault($"this is glTF {version}, which is not supported; glTF 2.0 is");
+            throw asset.Place.Child("version").Fault(
+                $"this is glTF {version}, which is not supported; glTF 2.0 is");
         if (!version.StartsWith("2.", StringComparison.Ordinal))
-            throw asset.Place.Child("version").Fault($"glTF of version \"{version}\" is not supported; version 2.0 is");
+            throw asset.Place.Child("version").Fault(
+                $"glTF of version \"{version}\" is not supported; version 2.0 is");
         if (asset.StringOrNull("minVersion") is string least && least != "2.0")
-            throw asset.Place.Child("minVersion").Fault($"the file needs a reader of version \"{least}\"; this one is of version 2.0");
+            throw asset.Place.Child("minVersion").Fault(
+                $"the file needs a reader of version \"{least}\"; this one is of version 2.0");
     }
 
     private static void CheckExtensions(GltfJson root)
@@ -93,7 +97,8 @@ internal sealed class GltfReader : ISceneReader
             ReadScenes();
             for (int i = 0; i < nodes.Length; i++)
                 AddEntities(nodes[i], i);
-            new GltfAnimationReader(root, accessors, nodes, node => morphs.GetValueOrDefault(node, [])).ReadInto(scene);
+            new GltfAnimationReader(root, accessors, nodes, node =>
+                morphs.GetValueOrDefault(node, [])).ReadInto(scene);
             KeepTheRest();
         }
 
@@ -144,16 +149,19 @@ internal sealed class GltfReader : ISceneReader
             var children = new int[nodes.Length][];
             for (int i = 0; i < nodes.Length; i++)
             {
-                children[i] = Array.ConvertAll(nodeJson[i].Items("children"), item => item.AsIndex(nodes.Length, "node"));
+                children[i] = Array.ConvertAll(nodeJson[i].Items("children"), item =>
+                    item.AsIndex(nodes.Length, "node"));
                 foreach (int child in children[i])
                 {
                     if (parents[child] >= 0)
-                        throw nodeJson[i].Place.Child("children").Fault($"node {child} is a child of node {parents[child]} already");
+                        throw nodeJson[i].Place.Child("children").Fault(
+                            $"node {child} is a child of node {parents[child]} already");
                     parents[child] = i;
                 }
             }
             CheckDepths();
-            // From the last to the first, since a document names parents first: a child then comes with its own children.
+            // From the last to the first, since a document names parents first: a child then comes with its
+            // own children.
             for (int i = nodes.Length - 1; i >= 0; i--)
             {
                 foreach (int child in children[i])
@@ -212,7 +220,9 @@ internal sealed class GltfReader : ISceneReader
             {
                 int index = item.AsIndex(nodes.Length, "node");
                 if (parents[index] >= 0)
-                    throw item.Place.Fault($"node {index} is a child of node {parents[index]} and cannot be the root of a scene");
+                    throw item.Place.Fault(
+                        $"node {index} is a child of node {parents[index]} and cannot be the root of a "
+                        + "scene");
                 bool isTaken = nodes[index].ParentNode is not null;
                 target.RootNode.AddChildNode(isTaken ? Copy(index) : nodes[index]);
             }
@@ -220,7 +230,8 @@ internal sealed class GltfReader : ISceneReader
             GltfExtensionData.Read(json, target);
         }
 
-        // A node has one place, so a further scene that shows the same tree gets a copy of its nodes; entities stay shared.
+        // A node has one place, so a further scene that shows the same tree gets a copy of its nodes;
+        // entities stay shared.
         private Node Copy(int index)
         {
             Node copy = MakeNode(nodeJson[index]);

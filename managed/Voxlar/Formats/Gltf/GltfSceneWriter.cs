@@ -10,10 +10,11 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Writes scenes with their nodes. Entities of one node that have the same name and the same deformers make one mesh. A node
-/// of the document has room for one mesh, one camera and one light, the latter two looking down its negative z axis: what
-/// does not fit gets a child node of its own. Solids become meshes and curves polylines; entities that have no form in a
-/// document are refused by the name of their type. Excluded nodes and entities are left out.
+/// Writes scenes with their nodes. Entities of one node that have the same name and the same deformers make
+/// one mesh. A node of the document has room for one mesh, one camera and one light, the latter two looking
+/// down its negative z axis: what does not fit gets a child node of its own. Solids become meshes and curves
+/// polylines; entities that have no form in a document are refused by the name of their type. Excluded nodes
+/// and entities are left out.
 /// </summary>
 internal sealed class GltfSceneWriter
 {
@@ -29,16 +30,19 @@ internal sealed class GltfSceneWriter
     private readonly GltfSkinWriter skins;
     private readonly Dictionary<Node, int> nodeIndices = new(ReferenceEqualityComparer.Instance);
     private readonly Dictionary<Transform, int> transformIndices = new(ReferenceEqualityComparer.Instance);
-    private readonly Dictionary<MorphTargetChannel, GltfMorphPlace> morphPlaces = new(ReferenceEqualityComparer.Instance);
+    private readonly Dictionary<MorphTargetChannel, GltfMorphPlace> morphPlaces =
+        new(ReferenceEqualityComparer.Instance);
     private readonly Dictionary<Entity, Entity> converted = new(ReferenceEqualityComparer.Instance);
     private readonly HashSet<Transform> animated = new(ReferenceEqualityComparer.Instance);
 
-    internal GltfSceneWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options, WriteContext context)
+    internal GltfSceneWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options,
+        WriteContext context)
     {
         this.document = document;
         this.options = options;
         this.context = context;
-        materials = new GltfMaterialWriter(document, new GltfTextureWriter(document, sideFiles, options, context), options, context);
+        materials = new GltfMaterialWriter(document,
+            new GltfTextureWriter(document, sideFiles, options, context), options, context);
         meshes = new GltfMeshWriter(document, materials, options, context);
         views = new GltfViewWriter(document, options, context);
         skins = new GltfSkinWriter(document, nodeIndices, options.SaveExtras, context);
@@ -105,13 +109,17 @@ internal sealed class GltfSceneWriter
         }
     }
 
-    /// <summary>The nodes at the top: those below the root node, or the root node itself when it is more than a holder.</summary>
+    /// <summary>
+    /// The nodes at the top: those below the root node, or the root node itself when it is more than a
+    /// holder.
+    /// </summary>
     private List<Node> RootsOf(Scene scene)
     {
         Node root = scene.RootNode;
         if (root.Excluded)
             return [];
-        bool isHolder = root.Entities.Count == 0 && root.Visible && root.Transform.TransformMatrix == Matrix4.Identity
+        bool isHolder = root.Entities.Count == 0 && root.Visible
+            && root.Transform.TransformMatrix == Matrix4.Identity
             && !animated.Contains(root.Transform) && !HasExtras(root);
         return isHolder ? [.. root.ChildNodes] : [root];
     }
@@ -158,7 +166,9 @@ internal sealed class GltfSceneWriter
         if (options.ApplyUnitScale && scale != 1 && indices.Count > 0)
         {
             if (!(scale > 0) || !double.IsFinite(scale))
-                throw context.Error($"GltfSaveOptions.ApplyUnitScale is set, but the unit of the asset is {scene.AssetInfo.UnitScaleFactor} cm");
+                throw context.Error(
+                    "GltfSaveOptions.ApplyUnitScale is set, but the unit of the asset is "
+                    + $"{scene.AssetInfo.UnitScaleFactor} cm");
             var holder = new JsonObject
             {
                 ["name"] = "UnitScale",
@@ -237,7 +247,8 @@ internal sealed class GltfSceneWriter
             return;
         }
         if (transform.Translation != Vector3.Origin)
-            json["translation"] = GltfValues.Numbers(transform.Translation.x, transform.Translation.y, transform.Translation.z);
+            json["translation"] =
+                GltfValues.Numbers(transform.Translation.x, transform.Translation.y, transform.Translation.z);
         if (rotation != Quaternion.Identity)
         {
             Quaternion unit = Math.Abs(rotation.Length - 1) < 1e-6 ? rotation : rotation.Normalize();
@@ -247,7 +258,8 @@ internal sealed class GltfSceneWriter
             json["scale"] = GltfValues.Numbers(transform.Scale.x, transform.Scale.y, transform.Scale.z);
     }
 
-    private static Quaternion FromDegrees(Vector3 angles) => Quaternion.FromEulerAngle(MathUtils.ToRadian(angles));
+    private static Quaternion FromDegrees(Vector3 angles) =>
+        Quaternion.FromEulerAngle(MathUtils.ToRadian(angles));
 
     private static bool IsNear(Matrix4 a, Matrix4 b)
     {
@@ -303,7 +315,8 @@ internal sealed class GltfSceneWriter
         var extras = new JsonObject();
         if (options.SaveExtras)
             GltfExtras.Write(extras, entity, GltfMeshWriter.HasOwnPlace);
-        string weights = string.Join(' ', channels.ConvertAll(static channel => $"{channel.Name}={channel.ChannelWeight}"));
+        string weights = string.Join(' ',
+            channels.ConvertAll(static channel => $"{channel.Name}={channel.ChannelWeight}"));
         string key = $"{entity.Name}|{joints}|{weights}|{extras.ToJsonString()}";
         List<Entity>? group = groups.Find(item => item.Key == key).Entities;
         if (group is null)
@@ -315,7 +328,8 @@ internal sealed class GltfSceneWriter
     private void AddMesh(List<Entity> entities, Node node, Place place)
     {
         place.Json["mesh"] = meshes.IndexOf(entities, node.Materials);
-        if (entities[0] is Geometry first && GltfSkinWriter.SkinOf(first, context) is { Bones.Count: > 0 } skin)
+        if (entities[0] is Geometry first
+            && GltfSkinWriter.SkinOf(first, context) is { Bones.Count: > 0 } skin)
             place.Json["skin"] = skins.IndexOf(skin);
         foreach (Entity entity in entities)
         {
@@ -324,7 +338,8 @@ internal sealed class GltfSceneWriter
             for (int i = 0; i < channels.Count; i++)
             {
                 if (!morphPlaces.TryGetValue(channels[i], out GltfMorphPlace? known))
-                    morphPlaces[channels[i]] = known = new GltfMorphPlace([], i, defaults, GltfMorphs.ScaleOf(channels[i]));
+                    morphPlaces[channels[i]] = known =
+                        new GltfMorphPlace([], i, defaults, GltfMorphs.ScaleOf(channels[i]));
                 if (!known.Nodes.Contains(place.Index))
                     known.Nodes.Add(place.Index);
             }
@@ -398,7 +413,8 @@ internal sealed class GltfSceneWriter
         internal Matrix4 Global { get; }
 
         /// <summary>This place when it is free for one more of a kind, or else a new one below it.</summary>
-        internal Place With(string kind, string name) => taken.Add(kind) ? this : Below(name, static _ => { });
+        internal Place With(string kind, string name) => taken.Add(kind) ? this
+            : Below(name, static _ => { });
 
         /// <summary>A new node below this one.</summary>
         internal Place Below(string name, Action<JsonObject> setTransform)

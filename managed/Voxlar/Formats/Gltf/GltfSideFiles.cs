@@ -19,8 +19,8 @@ internal enum GltfImagePlace
 }
 
 /// <summary>
-/// The files beside the document. A binary file holds all itself. A text file does so when assets are embedded or there is
-/// no place beside it; otherwise the buffer and the images become files.
+/// The files beside the document. A binary file holds all itself. A text file does so when assets are
+/// embedded or there is no place beside it; otherwise the buffer and the images become files.
 /// </summary>
 internal sealed class GltfSideFiles
 {
@@ -32,14 +32,17 @@ internal sealed class GltfSideFiles
         this.context = context;
         bool isWhole = options.EmbedAssets || !context.HasSideFiles;
         IsWhole = isBinary || isWhole;
-        ImagePlace = isBinary ? GltfImagePlace.Buffer : isWhole ? GltfImagePlace.DataUri : GltfImagePlace.SideFile;
+        ImagePlace = isBinary ? GltfImagePlace.Buffer : isWhole ? GltfImagePlace.DataUri
+            : GltfImagePlace.SideFile;
     }
 
     internal bool IsWhole { get; }
 
     internal GltfImagePlace ImagePlace { get; }
 
-    /// <summary>Writes an image and gives the name it got, which differs where another image has taken the name.</summary>
+    /// <summary>
+    /// Writes an image and gives the name it got, which differs where another image has taken the name.
+    /// </summary>
     internal string WriteImage(string fileName, byte[] content)
     {
         string name = fileName;

@@ -6,9 +6,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Makes skin deformers: a bone for each joint, with the weights of all control points. The document tells the inverse of
-/// where the joint stood when it was bound, in the space of the mesh; so the bone's geometry transform is the identity and
-/// its own transform is the inverse of what is told.
+/// Makes skin deformers: a bone for each joint, with the weights of all control points. The document tells
+/// the inverse of where the joint stood when it was bound, in the space of the mesh; so the bone's geometry
+/// transform is the identity and its own transform is the inverse of what is told.
 /// </summary>
 internal sealed class GltfSkinReader
 {
@@ -26,9 +26,11 @@ internal sealed class GltfSkinReader
     internal int Count => skins.Length;
 
     internal static bool IsSkinAttribute(string semantic) =>
-        semantic.StartsWith("JOINTS_", StringComparison.Ordinal) || semantic.StartsWith("WEIGHTS_", StringComparison.Ordinal);
+        semantic.StartsWith("JOINTS_", StringComparison.Ordinal)
+            || semantic.StartsWith("WEIGHTS_", StringComparison.Ordinal);
 
-    internal SkinDeformer Make(int skin, List<(GltfPrimitive Primitive, int Start)> blocks, GltfAccessors accessors)
+    internal SkinDeformer Make(int skin, List<(GltfPrimitive Primitive, int Start)> blocks,
+        GltfAccessors accessors)
     {
         GltfJson json = skins[skin];
         var deformer = new SkinDeformer(json.StringOrNull("name") ?? string.Empty);
@@ -82,13 +84,15 @@ internal sealed class GltfSkinReader
                 throw place.Fault($"there is no WEIGHTS_{set} for it");
             accessors.RequireComponents(jointAccessor, 4, place);
             int[] joints = accessors.ReadIntegers(jointAccessor, place);
-            float[] weights = accessors.ReadFloats(weightAccessor, 4, primitive.Place.Child("attributes").Child($"WEIGHTS_{set}"));
+            float[] weights = accessors.ReadFloats(weightAccessor, 4,
+                primitive.Place.Child("attributes").Child($"WEIGHTS_{set}"));
             for (int i = 0; i < joints.Length; i++)
             {
                 if (weights[i] == 0)
                     continue;
                 if ((uint)joints[i] >= (uint)bones.Length)
-                    throw place.Fault($"joint {joints[i]} of vertex {i / 4} is past the {bones.Length} joints of the skin");
+                    throw place.Fault(
+                        $"joint {joints[i]} of vertex {i / 4} is past the {bones.Length} joints of the skin");
                 Bone bone = bones[joints[i]];
                 int vertex = start + i / 4;
                 bone.SetWeight(vertex, bone.GetWeight(vertex) + weights[i]);

@@ -9,7 +9,10 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>Writes skins: the nodes of the bones and where they stood when they were bound. Equal skins are written once.</summary>
+/// <summary>
+/// Writes skins: the nodes of the bones and where they stood when they were bound. Equal skins are written
+/// once.
+/// </summary>
 internal sealed class GltfSkinWriter
 {
     private readonly GltfDocument document;
@@ -18,7 +21,8 @@ internal sealed class GltfSkinWriter
     private readonly WriteContext context;
     private readonly Dictionary<string, int> written = new(StringComparer.Ordinal);
 
-    internal GltfSkinWriter(GltfDocument document, IReadOnlyDictionary<Node, int> nodeIndices, bool saveExtras, WriteContext context)
+    internal GltfSkinWriter(GltfDocument document, IReadOnlyDictionary<Node, int> nodeIndices,
+        bool saveExtras, WriteContext context)
     {
         this.document = document;
         this.nodeIndices = nodeIndices;
@@ -34,7 +38,8 @@ internal sealed class GltfSkinWriter
             if (deformer is not SkinDeformer skin)
                 continue;
             if (found is not null)
-                throw context.Error($"the geometry '{geometry.Name}' has several skin deformers; glTF holds one");
+                throw context.Error(
+                    $"the geometry '{geometry.Name}' has several skin deformers; glTF holds one");
             found = skin;
         }
         return found;
@@ -58,7 +63,8 @@ internal sealed class GltfSkinWriter
         if (skin.Name.Length > 0)
             json["name"] = skin.Name;
         json["inverseBindMatrices"] = accessor;
-        if (skin.GetProperty(GltfNames.SkeletonRoot) is Node root && nodeIndices.TryGetValue(root, out int skeleton))
+        if (skin.GetProperty(GltfNames.SkeletonRoot) is Node root
+            && nodeIndices.TryGetValue(root, out int skeleton))
         {
             json["skeleton"] = skeleton;
             key.Append(CultureInfo.InvariantCulture, $"|{skeleton}");
@@ -78,7 +84,8 @@ internal sealed class GltfSkinWriter
         if (bone.Node is null)
             throw context.Error($"the bone '{bone.Name}' of the skin '{skin.Name}' has no node");
         return nodeIndices.TryGetValue(bone.Node, out int joint) ? joint
-            : throw context.Error($"the node '{bone.Node.Name}' of the bone '{bone.Name}' is not written with the scene");
+            : throw context.Error(
+                $"the node '{bone.Node.Name}' of the bone '{bone.Name}' is not written with the scene");
     }
 
     private void InverseBind(Bone bone, Span<float> target)

@@ -6,8 +6,9 @@ using Velbor.Voxlar.Shading;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Makes textures. Two uses of one texture with the same coordinates and transform give the same object. Images are read
-/// when they lie in the document or in a file beside it; a file that is not there leaves its name.
+/// Makes textures. Two uses of one texture with the same coordinates and transform give the same object.
+/// Images are read when they lie in the document or in a file beside it; a file that is not there leaves its
+/// name.
 /// </summary>
 internal sealed class GltfTextureReader
 {
@@ -58,7 +59,8 @@ internal sealed class GltfTextureReader
         {
             double[] offset = told.TryGet("offset", out _) ? told.Doubles("offset", 2) : [0, 0];
             double[] scale = told.TryGet("scale", out _) ? told.Doubles("scale", 2) : [1, 1];
-            transform = new GltfUVTransform(offset[0], offset[1], told.Double("rotation", 0), scale[0], scale[1]);
+            transform = new GltfUVTransform(offset[0], offset[1], told.Double("rotation", 0), scale[0],
+                scale[1]);
             texCoord = told.Count("texCoord", texCoord);
         }
         if (made.TryGetValue((index, texCoord, transform), out texture))
@@ -82,7 +84,8 @@ internal sealed class GltfTextureReader
         }
         Image? image = source < 0 ? null : read[source] ??= ReadImage(source);
         string? name = json.StringOrNull("name");
-        var texture = new Texture(name ?? image?.Name ?? Path.GetFileNameWithoutExtension(image?.FileName) ?? string.Empty)
+        var texture = new Texture(name ?? image?.Name ?? Path.GetFileNameWithoutExtension(image?.FileName)
+            ?? string.Empty)
         {
             FileName = image?.FileName,
             Content = image?.Content,

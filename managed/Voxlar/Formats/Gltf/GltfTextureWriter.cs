@@ -18,7 +18,8 @@ internal sealed class GltfTextureWriter
     private readonly Dictionary<(int Mag, int Min, int WrapS, int WrapT), int> samplerOf = [];
     private readonly List<(Texture Source, string Name, int Index)> images = [];
 
-    internal GltfTextureWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options, WriteContext context)
+    internal GltfTextureWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options,
+        WriteContext context)
     {
         this.context = context;
         this.document = document;
@@ -30,7 +31,8 @@ internal sealed class GltfTextureWriter
     internal JsonObject InfoOf(TextureBase source)
     {
         if (source is not Texture texture)
-            throw context.Error($"glTF has no form for a texture of the type {source.GetType().Name} ('{source.Name}')");
+            throw context.Error(
+                $"glTF has no form for a texture of the type {source.GetType().Name} ('{source.Name}')");
         var info = new JsonObject { ["index"] = IndexOf(texture) };
         if (texture.GetProperty(GltfNames.TexCoord) is int texCoord && texCoord > 0)
             info["texCoord"] = texCoord;
@@ -100,7 +102,8 @@ internal sealed class GltfTextureWriter
         return samplerOf[key] = document.Add("samplers", json);
     }
 
-    // Two modes have no equal: mirroring once is nearest to mirroring, a border of one colour to the edge's colour.
+    // Two modes have no equal: mirroring once is nearest to mirroring, a border of one colour to the edge's
+    // colour.
     private static int WrapOf(WrapMode mode) => mode switch
     {
         WrapMode.Wrap => 10497,
@@ -131,7 +134,8 @@ internal sealed class GltfTextureWriter
     {
         if (texture.GetProperty(GltfNames.ImageName) is string told)
             return told;
-        return texture.Name.Length > 0 ? texture.Name : Path.GetFileNameWithoutExtension(texture.FileName) ?? string.Empty;
+        return texture.Name.Length > 0 ? texture.Name : Path.GetFileNameWithoutExtension(texture.FileName)
+            ?? string.Empty;
     }
 
     private static bool IsSameImage(Texture a, Texture b)
@@ -139,7 +143,8 @@ internal sealed class GltfTextureWriter
         if (a.FileName != b.FileName)
             return false;
         return ReferenceEquals(a.Content, b.Content)
-            || (a.Content is not null && b.Content is not null && a.Content.AsSpan().SequenceEqual(b.Content));
+            || (a.Content is not null && b.Content is not null
+                && a.Content.AsSpan().SequenceEqual(b.Content));
     }
 
     private void WriteImage(JsonObject json, Texture texture)
@@ -148,7 +153,8 @@ internal sealed class GltfTextureWriter
         if (content is null)
         {
             if (options.ExportTextures || options.EmbedAssets)
-                throw context.Error($"the image file '{texture.FileName}' of the texture '{texture.Name}' cannot be found");
+                throw context.Error(
+                    $"the image file '{texture.FileName}' of the texture '{texture.Name}' cannot be found");
             json["uri"] = UriOf(texture.FileName!);
             return;
         }
@@ -158,7 +164,8 @@ internal sealed class GltfTextureWriter
         {
             string fileName = string.IsNullOrEmpty(texture.FileName) || GltfUri.HasScheme(texture.FileName)
                 ? GltfImages.SafeFileName(texture.Name) + GltfImages.ExtensionOf(mediaType ?? string.Empty)
-                : isConverted ? Path.ChangeExtension(texture.FileName, GltfImages.ExtensionOf(mediaType!)) : texture.FileName;
+                : isConverted ? Path.ChangeExtension(texture.FileName, GltfImages.ExtensionOf(mediaType!))
+                    : texture.FileName;
             json["uri"] = GltfUri.FromFileName(sideFiles.WriteImage(fileName, content));
         }
         else if (mediaType is not null && sideFiles.ImagePlace == GltfImagePlace.Buffer)
@@ -168,12 +175,14 @@ internal sealed class GltfTextureWriter
         }
         else
         {
-            // A buffer view is for the kinds that documents name; an image of another kind is kept as it is all the same.
+            // A buffer view is for the kinds that documents name; an image of another kind is kept as it is
+            // all the same.
             json["uri"] = GltfUri.ToData(mediaType ?? "application/octet-stream", content);
         }
     }
 
-    private static string UriOf(string fileName) => GltfUri.HasScheme(fileName) ? fileName : GltfUri.FromFileName(fileName);
+    private static string UriOf(string fileName) => GltfUri.HasScheme(fileName) ? fileName
+        : GltfUri.FromFileName(fileName);
 
     /// <summary>Brings an image into the format that the options ask for.</summary>
     /// <returns>Whether it had to be changed.</returns>
@@ -196,7 +205,9 @@ internal sealed class GltfTextureWriter
         }
         catch (Exception e) when (e is NotSupportedException or InvalidDataException)
         {
-            throw context.Error($"GltfSaveOptions.ImageFormat asks for {mediaType}, but the image of the texture '{texture.Name}' "
+            throw context.Error(
+                $"GltfSaveOptions.ImageFormat asks for {mediaType}, but the image of the texture "
+                + $"'{texture.Name}' "
                 + $"cannot be converted: {ReadContext.Reason(e)}", e);
         }
     }

@@ -4,7 +4,9 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>Makes a mesh of a triangle mesh with raw vertices; each of its vertices becomes a control point.</summary>
+/// <summary>
+/// Makes a mesh of a triangle mesh with raw vertices; each of its vertices becomes a control point.
+/// </summary>
 internal static class GltfTriMesh
 {
     internal static Mesh ToMesh(TriMesh source)

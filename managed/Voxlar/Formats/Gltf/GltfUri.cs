@@ -5,7 +5,9 @@ using System.Text;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>The two kinds of URI that a document holds: data written into it, and the name of a file beside it.</summary>
+/// <summary>
+/// The two kinds of URI that a document holds: data written into it, and the name of a file beside it.
+/// </summary>
 internal static class GltfUri
 {
     internal static bool IsData(ReadOnlySpan<byte> uri) =>
@@ -45,7 +47,8 @@ internal static class GltfUri
         for (int i = 0; i < text.Length; i++)
         {
             byte value = text[i];
-            if (value == '%' && i + 2 < text.Length && HexValue(text[i + 1]) >= 0 && HexValue(text[i + 2]) >= 0)
+            if (value == '%' && i + 2 < text.Length && HexValue(text[i + 1]) >= 0
+                && HexValue(text[i + 2]) >= 0)
             {
                 value = (byte)((HexValue(text[i + 1]) << 4) | HexValue(text[i + 2]));
                 i += 2;
@@ -64,9 +67,12 @@ internal static class GltfUri
     };
 
     /// <summary>The file name that a relative URI stands for.</summary>
-    internal static string ToFileName(string uri) => Encoding.UTF8.GetString(PercentDecode(Encoding.UTF8.GetBytes(uri)));
+    internal static string ToFileName(string uri) =>
+        Encoding.UTF8.GetString(PercentDecode(Encoding.UTF8.GetBytes(uri)));
 
-    /// <summary>True for "http:", "file:" and their like. A drive letter of one character is no scheme.</summary>
+    /// <summary>
+    /// True for "http:", "file:" and their like. A drive letter of one character is no scheme.
+    /// </summary>
     internal static bool HasScheme(string uri)
     {
         int colon = uri.IndexOf(':', StringComparison.Ordinal);
@@ -80,7 +86,9 @@ internal static class GltfUri
         return true;
     }
 
-    /// <summary>A file name as a URI: everything that has a meaning in a URI is percent-encoded, slashes stay.</summary>
+    /// <summary>
+    /// A file name as a URI: everything that has a meaning in a URI is percent-encoded, slashes stay.
+    /// </summary>
     internal static string FromFileName(string fileName) =>
         Uri.EscapeDataString(fileName.Replace('\\', '/')).Replace("%2F", "/", StringComparison.Ordinal);
 

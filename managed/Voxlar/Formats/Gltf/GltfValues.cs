@@ -9,8 +9,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Turns free JSON values (extras, the content of extensions) into property values and back. Whole numbers become int or
-/// long, other numbers double, arrays of numbers int[] or double[], other arrays lists, objects dictionaries by name.
+/// Turns free JSON values (extras, the content of extensions) into property values and back. Whole numbers
+/// become int or long, other numbers double, arrays of numbers int[] or double[], other arrays lists, objects
+/// dictionaries by name.
 /// </summary>
 internal static class GltfValues
 {
@@ -86,7 +87,8 @@ internal static class GltfValues
         long number => JsonValue.Create(number),
         double number => Number(number),
         float number => Number(number),
-        byte or sbyte or short or ushort or uint => JsonValue.Create(Convert.ToInt64(value, CultureInfo.InvariantCulture)),
+        byte or sbyte or short or ushort or uint =>
+            JsonValue.Create(Convert.ToInt64(value, CultureInfo.InvariantCulture)),
         ulong number => JsonValue.Create(number),
         decimal number => JsonValue.Create(number),
         DateTime time => JsonValue.Create(time.ToString("o", CultureInfo.InvariantCulture)),
@@ -116,7 +118,9 @@ internal static class GltfValues
         return array;
     }
 
-    /// <summary>Colours and factors: they are single-precision by nature, so the shortest such text is written.</summary>
+    /// <summary>
+    /// Colours and factors: they are single-precision by nature, so the shortest such text is written.
+    /// </summary>
     internal static JsonArray Factors(params ReadOnlySpan<double> values)
     {
         var array = new JsonArray();

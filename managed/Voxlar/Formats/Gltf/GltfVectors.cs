@@ -13,7 +13,9 @@ internal static class GltfVectors
         return values;
     }
 
-    /// <summary>Widens elements of two to four components; a third one that is missing is 0, the fourth is given.</summary>
+    /// <summary>
+    /// Widens elements of two to four components; a third one that is missing is 0, the fourth is given.
+    /// </summary>
     internal static void Copy(ReadOnlySpan<float> floats, int components, double last, Span<Vector4> target)
     {
         int count = floats.Length / components;
@@ -40,8 +42,8 @@ internal static class GltfVectors
             coordinates[i].y = 1 - coordinates[i].y;
     }
 
-    // The document stores matrices by columns and works with column vectors, the library by rows and with row vectors: the
-    // sixteen numbers stand in the same order.
+    // The document stores matrices by columns and works with column vectors, the library by rows and with row
+    // vectors: the sixteen numbers stand in the same order.
     internal static Matrix4 MatrixFrom(ReadOnlySpan<float> m) => new(
         m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], m[9], m[10], m[11], m[12], m[13], m[14], m[15]);
 }

@@ -8,9 +8,10 @@ using Vector4 = Velbor.Voxlar.Utilities.Vector4;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// The vertices of a geometry as a document needs them: one index for all attributes. Where every value belongs to a control
-/// point, the control points are the vertices, in their order, used or not. Otherwise the corners with equal control point
-/// and equal values become one vertex, and control points that no polygon uses are left out.
+/// The vertices of a geometry as a document needs them: one index for all attributes. Where every value
+/// belongs to a control point, the control points are the vertices, in their order, used or not. Otherwise
+/// the corners with equal control point and equal values become one vertex, and control points that no
+/// polygon uses are left out.
 /// </summary>
 internal sealed class GltfVertices
 {
@@ -35,7 +36,8 @@ internal sealed class GltfVertices
     internal static GltfVertices Of(Geometry geometry, VertexElement[] elements)
     {
         bool isPlain = Array.TrueForAll(
-            elements, static element => element.MappingMode is MappingMode.ControlPoint or MappingMode.AllSame);
+            elements, static element => element.MappingMode is MappingMode.ControlPoint
+                or MappingMode.AllSame);
         var vertices = new GltfVertices(elements, geometry.ControlPointList.Count);
         if (!isPlain && geometry is Mesh mesh)
             vertices.Split(mesh);
@@ -134,10 +136,13 @@ internal sealed class GltfVertices
         return values;
     }
 
-    /// <summary>The indices themselves, when there is a right one for each corner: the usual case, and a fast one.</summary>
+    /// <summary>
+    /// The indices themselves, when there is a right one for each corner: the usual case, and a fast one.
+    /// </summary>
     private static int[]? TryTakeIndices(VertexElement element, int corners)
     {
-        bool isIndexed = element.MappingMode == MappingMode.PolygonVertex && element.ReferenceMode == ReferenceMode.IndexToDirect;
+        bool isIndexed = element.MappingMode == MappingMode.PolygonVertex
+            && element.ReferenceMode == ReferenceMode.IndexToDirect;
         if (!isIndexed || element.IndexList.Count < corners)
             return null;
         ReadOnlySpan<int> indices = CollectionsMarshal.AsSpan(element.IndexList)[..corners];
@@ -150,16 +155,21 @@ internal sealed class GltfVertices
         return indices.ToArray();
     }
 
-    /// <summary>For values that are stored once for each corner: the first place of each value, so that equal ones meet.</summary>
+    /// <summary>
+    /// For values that are stored once for each corner: the first place of each value, so that equal ones
+    /// meet.
+    /// </summary>
     private static int[] CanonicalValues(VertexElement element)
     {
-        if (element is not VertexElementVector4 vectors || element.ReferenceMode == ReferenceMode.IndexToDirect)
+        if (element is not VertexElementVector4 vectors
+            || element.ReferenceMode == ReferenceMode.IndexToDirect)
             return [];
         var canonical = new int[vectors.DataList.Count];
         var first = new Dictionary<Vector4, int>(canonical.Length / 4);
         for (int i = 0; i < canonical.Length; i++)
         {
-            ref int place = ref CollectionsMarshal.GetValueRefOrAddDefault(first, vectors.DataList[i], out bool exists);
+            ref int place = ref CollectionsMarshal.GetValueRefOrAddDefault(first, vectors.DataList[i],
+                out bool exists);
             if (!exists)
                 place = i;
             canonical[i] = place;

@@ -6,8 +6,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Makes cameras and lights. In a document they look down the negative z axis of their node; an entity tells its direction
-/// in the space of the scene, so every node gets an entity of its own.
+/// Makes cameras and lights. In a document they look down the negative z axis of their node; an entity tells
+/// its direction in the space of the scene, so every node gets an entity of its own.
 /// </summary>
 internal sealed class GltfViewReader
 {
@@ -21,7 +21,8 @@ internal sealed class GltfViewReader
     internal GltfViewReader(GltfJson root)
     {
         cameras = root.Objects("cameras");
-        lights = root.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension) ? extension.Objects("lights") : [];
+        lights = root.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension)
+            ? extension.Objects("lights") : [];
         usedCameras = new bool[cameras.Length];
         usedLights = new bool[lights.Length];
     }
@@ -34,7 +35,8 @@ internal sealed class GltfViewReader
             usedCameras[camera] = true;
             Add(node, MakeCamera(cameras[camera]));
         }
-        if (json.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension) && extension.TryGet("light", out _))
+        if (json.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension)
+            && extension.TryGet("light", out _))
         {
             int light = extension.Index("light", lights.Length, "light");
             usedLights[light] = true;
@@ -120,7 +122,8 @@ internal sealed class GltfViewReader
     }
 
     private static double Positive(GltfJson value) =>
-        value.AsDouble() > 0 ? value.AsDouble() : throw value.Place.Fault("a number greater than 0 is expected");
+        value.AsDouble() > 0 ? value.AsDouble()
+            : throw value.Place.Fault("a number greater than 0 is expected");
 
     private static Light MakeLight(GltfJson json)
     {
@@ -132,7 +135,8 @@ internal sealed class GltfViewReader
             "spot" => LightType.Spot,
             _ => throw json.Place.Child("type").Fault($"there is no light type \"{told}\""),
         };
-        var light = new Light(json.StringOrNull("name") ?? string.Empty, type) { Intensity = json.Double("intensity", 1) };
+        var light = new Light(json.StringOrNull("name") ?? string.Empty, type) { Intensity =
+            json.Double("intensity", 1) };
         if (json.TryGet("color", out _))
         {
             double[] color = json.Doubles("color", 3);
@@ -145,7 +149,8 @@ internal sealed class GltfViewReader
             // The document tells the angle from the axis, the entity the angle of the whole cone.
             bool isTold = json.TryGetObject("spot", out GltfJson spot);
             light.HotSpot = 2 * RadianInDegrees * (isTold ? spot.Double("innerConeAngle", 0) : 0);
-            light.Falloff = 2 * RadianInDegrees * (isTold ? spot.Double("outerConeAngle", Math.PI / 4) : Math.PI / 4);
+            light.Falloff = 2 * RadianInDegrees * (isTold ? spot.Double("outerConeAngle", Math.PI / 4)
+                : Math.PI / 4);
         }
         GltfExtras.Read(json, light);
         return light;

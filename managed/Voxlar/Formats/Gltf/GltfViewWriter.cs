@@ -32,7 +32,8 @@ internal sealed class GltfViewWriter
     internal void Add(Light light, GltfSceneWriter.Place place)
     {
         GltfSceneWriter.Place own = PlaceFor("light", light, place, light.LightType != LightType.Point);
-        document.AddExtension(own.Json, GltfNames.LightsPunctual, new JsonObject { ["light"] = IndexOf(light) });
+        document.AddExtension(own.Json, GltfNames.LightsPunctual,
+            new JsonObject { ["light"] = IndexOf(light) });
     }
 
     /// <summary>Writes the lights, which stand together in an extension of the document.</summary>
@@ -42,7 +43,8 @@ internal sealed class GltfViewWriter
             document.Extensions[GltfNames.LightsPunctual] = new JsonObject { ["lights"] = lights };
     }
 
-    private static GltfSceneWriter.Place PlaceFor(string kind, Frustum view, GltfSceneWriter.Place place, bool hasDirection)
+    private static GltfSceneWriter.Place PlaceFor(string kind, Frustum view, GltfSceneWriter.Place place,
+        bool hasDirection)
     {
         if (!hasDirection)
             return place.With(kind, view.Name);
@@ -59,17 +61,20 @@ internal sealed class GltfViewWriter
         Quaternion rotation = RotationTo(forward, up);
         global.Decompose(out _, out _, out Quaternion nodeRotation);
         Quaternion local = rotation.Concat(nodeRotation.Inverse());
-        return place.Below(view.Name, json => json["rotation"] = GltfValues.Numbers(local.x, local.y, local.z, local.w));
+        return place.Below(view.Name, json => json["rotation"] =
+            GltfValues.Numbers(local.x, local.y, local.z, local.w));
     }
 
-    private static Vector3 Perpendicular(Vector3 up, Vector3 forward) => (up - forward * up.Dot(forward)).Normalize();
+    private static Vector3 Perpendicular(Vector3 up, Vector3 forward) =>
+        (up - forward * up.Dot(forward)).Normalize();
 
     private static Quaternion RotationTo(Vector3 forward, Vector3 up)
     {
         Quaternion turn = Quaternion.FromRotation(-Vector3.ZAxis, forward);
         if (up.Length == 0)
             return turn;
-        // After the turn the y axis is perpendicular to the view, as up is; what is left is a turn about the view.
+        // After the turn the y axis is perpendicular to the view, as up is; what is left is a turn about the
+        // view.
         Vector3 y = Vector3.YAxis * turn.ToMatrix();
         double angle = Math.Atan2(y.Cross(up).Dot(forward), y.Dot(up));
         return turn.Concat(Quaternion.FromAngleAxis(angle, forward));
@@ -96,7 +101,9 @@ internal sealed class GltfViewWriter
     private void WritePerspective(JsonObject json, Camera camera)
     {
         if (!(camera.NearPlane > 0))
-            throw context.Error($"the near plane of the camera '{camera.Name}' is at {camera.NearPlane}; glTF needs a distance greater than 0");
+            throw context.Error(
+                $"the near plane of the camera '{camera.Name}' is at {camera.NearPlane}; glTF needs a "
+                + "distance greater than 0");
         var content = new JsonObject();
         if (camera.GetProperty(GltfNames.FreeAspectRatio) is not true)
             content["aspectRatio"] = GltfValues.Number(camera.AspectRatio);
@@ -111,11 +118,14 @@ internal sealed class GltfViewWriter
     private void WriteOrthographic(JsonObject json, Camera camera)
     {
         if (camera.Magnification.x == 0 || camera.Magnification.y == 0 || !double.IsFinite(camera.FarPlane))
-            throw context.Error($"the orthographic camera '{camera.Name}' has no magnification or no far plane; glTF needs both");
+            throw context.Error(
+                $"the orthographic camera '{camera.Name}' has no magnification or no far plane; glTF "
+                + "needs both");
         json["type"] = "orthographic";
         json["orthographic"] = new JsonObject
         {
-            ["xmag"] = GltfValues.Factor(camera.OrthoHeight / 2 * camera.AspectRatio / camera.Magnification.x),
+            ["xmag"] = GltfValues.Factor(
+                camera.OrthoHeight / 2 * camera.AspectRatio / camera.Magnification.x),
             ["ymag"] = GltfValues.Factor(camera.OrthoHeight / 2 / camera.Magnification.y),
             ["zfar"] = GltfValues.Number(camera.FarPlane),
             ["znear"] = GltfValues.Number(Math.Max(0, camera.NearPlane)),
@@ -132,7 +142,8 @@ internal sealed class GltfViewWriter
             LightType.Point => "point",
             LightType.Directional => "directional",
             LightType.Spot => "spot",
-            _ => throw context.Error($"glTF has no form for a light of the type {light.LightType} ('{light.Name}')"),
+            _ => throw context.Error(
+                $"glTF has no form for a light of the type {light.LightType} ('{light.Name}')"),
         };
         json["color"] = GltfValues.Factors(light.Color.x, light.Color.y, light.Color.z);
         json["intensity"] = GltfValues.Factor(light.CastLight ? light.Intensity : 0);

@@ -6,8 +6,8 @@ using Velbor.Voxlar.Animation;
 namespace Velbor.Voxlar.Formats.Gltf;
 
 /// <summary>
-/// Writes glTF 2.0, as a binary file or as text with the buffer and the images embedded or in files beside it. Options that
-/// ask for what is not there are refused by name.
+/// Writes glTF 2.0, as a binary file or as text with the buffer and the images embedded or in files beside
+/// it. Options that ask for what is not there are refused by name.
 /// </summary>
 internal sealed class GltfWriter : ISceneWriter
 {
@@ -31,11 +31,14 @@ internal sealed class GltfWriter : ISceneWriter
     private static void CheckOptions(GltfSaveOptions options, bool isBinary, WriteContext context)
     {
         if (options.DracoCompression)
-            throw context.Error("GltfSaveOptions.DracoCompression is set, but compression with Draco is not supported");
+            throw context.Error(
+                "GltfSaveOptions.DracoCompression is set, but compression with Draco is not supported");
         if (!string.IsNullOrEmpty(options.ExternalDracoEncoder))
-            throw context.Error("GltfSaveOptions.ExternalDracoEncoder is set, but compression with Draco is not supported");
+            throw context.Error(
+                "GltfSaveOptions.ExternalDracoEncoder is set, but compression with Draco is not supported");
         if (!string.IsNullOrEmpty(options.BufferFile) && (isBinary || options.EmbedAssets))
-            throw context.Error("GltfSaveOptions.BufferFile is set, but the buffer is written into the file itself");
+            throw context.Error(
+                "GltfSaveOptions.BufferFile is set, but the buffer is written into the file itself");
         if (options.FallbackNormal is { Length: not > 0 })
             throw context.Error("GltfSaveOptions.FallbackNormal has no direction");
     }
@@ -50,7 +53,8 @@ internal sealed class GltfWriter : ISceneWriter
             GltfAssetExtras.Write(asset, info);
     }
 
-    private static void Finish(Stream stream, GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options,
+    private static void Finish(Stream stream, GltfDocument document, GltfSideFiles sideFiles,
+        GltfSaveOptions options,
                                bool isBinary, WriteContext context)
     {
         if (isBinary)
@@ -65,7 +69,8 @@ internal sealed class GltfWriter : ISceneWriter
         }
         else if (document.Binary.Length > 0)
         {
-            string name = string.IsNullOrEmpty(options.BufferFile) ? NameOfBuffer(context) : options.BufferFile;
+            string name = string.IsNullOrEmpty(options.BufferFile) ? NameOfBuffer(context)
+                : options.BufferFile;
             using (Stream file = context.CreateSideFile(name))
                 document.Binary.WriteTo(file);
             uri = GltfUri.FromFileName(name);

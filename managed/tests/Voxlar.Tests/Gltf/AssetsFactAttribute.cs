@@ -5,8 +5,8 @@ using Xunit;
 namespace Velbor.Voxlar.Tests.Gltf;
 
 /// <summary>
-/// A test over the collection of real files, whose folder the environment variable VELBOR_TEST_ASSETS names. The collection
-/// is too large for the repository; without it the test is skipped.
+/// A test over the collection of real files, whose folder the environment variable VELBOR_TEST_ASSETS names.
+/// The collection is too large for the repository; without it the test is skipped.
 /// </summary>
 public sealed class AssetsFactAttribute : FactAttribute
 {
@@ -17,6 +17,7 @@ public sealed class AssetsFactAttribute : FactAttribute
     }
 
     public static string? Folder =>
-        Environment.GetEnvironmentVariable("VELBOR_TEST_ASSETS") is { } path && File.Exists(Path.Combine(path, "truth.json"))
+        Environment.GetEnvironmentVariable("VELBOR_TEST_ASSETS") is { } path
+            && File.Exists(Path.Combine(path, "truth.json"))
             ? path : null;
 }

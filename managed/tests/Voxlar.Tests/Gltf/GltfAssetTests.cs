@@ -10,7 +10,9 @@ using Xunit.Abstractions;
 
 namespace Velbor.Voxlar.Tests.Gltf;
 
-/// <summary>Real files against what is known about them, and through both forms of the format and back.</summary>
+/// <summary>
+/// Real files against what is known about them, and through both forms of the format and back.
+/// </summary>
 public class GltfAssetTests(ITestOutputHelper output)
 {
     /// <summary>Files that are refused, with a word that the message has.</summary>
@@ -21,7 +23,8 @@ public class GltfAssetTests(ITestOutputHelper output)
         ["IndexOutOfRange.gltf"] = "meshes[0].primitives[0].indices",
     };
 
-    private sealed record Truth(string File, int Nodes, int Meshes, int Primitives, long Vertices, long Faces, int Materials,
+    private sealed record Truth(string File, int Nodes, int Meshes, int Primitives, long Vertices, long Faces,
+        int Materials,
                                 int Animations, int Cameras);
 
     [AssetsFact]
@@ -32,8 +35,10 @@ public class GltfAssetTests(ITestOutputHelper output)
         {
             Scene scene = Open(truth.File);
             Truth found = CountsOf(truth.File, scene);
-            // Primitives that share their vertices count them several times over in the truth; they are stored once.
-            Truth expected = truth with { Vertices = StoredVertices(truth.File), Primitives = found.Primitives };
+            // Primitives that share their vertices count them several times over in the truth; they are
+            // stored once.
+            Truth expected = truth with { Vertices = StoredVertices(truth.File), Primitives =
+                found.Primitives };
             output.WriteLine($"{truth.File}: known {truth}, read {found}");
             if (found != expected)
                 differences.Add($"{truth.File}: known {expected}, read {found}");
@@ -96,7 +101,8 @@ public class GltfAssetTests(ITestOutputHelper output)
     [AssetsFact]
     public void Version_1_is_refused_by_name()
     {
-        foreach (string path in Directory.EnumerateFiles(Path.Combine(AssetsFactAttribute.Folder!, "gltf1"), "*.gl*", SearchOption.AllDirectories))
+        foreach (string path in Directory.EnumerateFiles(Path.Combine(AssetsFactAttribute.Folder!, "gltf1"),
+            "*.gl*", SearchOption.AllDirectories))
         {
             if (Path.GetExtension(path) is not (".gltf" or ".glb"))
                 continue;
@@ -123,25 +129,30 @@ public class GltfAssetTests(ITestOutputHelper output)
         }
         return null;
 
-        static string Cut(string text, int from) => text.Length <= from ? "" : text.Substring(from, Math.Min(160, text.Length - from));
+        static string Cut(string text, int from) => text.Length <= from ? ""
+            : text.Substring(from, Math.Min(160, text.Length - from));
     }
 
     private static IEnumerable<(string Path, SaveOptions Options)> Ways(TemporaryFolder folder, string name)
     {
         yield return (folder.File(name + ".glb"), new GltfSaveOptions(FileContentType.Binary));
-        yield return (folder.File(name + "_embedded.gltf"), new GltfSaveOptions(FileContentType.ASCII) { EmbedAssets = true });
+        yield return (folder.File(name + "_embedded.gltf"),
+            new GltfSaveOptions(FileContentType.ASCII) { EmbedAssets = true });
         string own = Directory.CreateDirectory(folder.File(name)).FullName;
-        yield return (Path.Combine(own, name + ".gltf"), new GltfSaveOptions(FileContentType.ASCII) { PrettyPrint = true });
+        yield return (Path.Combine(own, name + ".gltf"),
+            new GltfSaveOptions(FileContentType.ASCII) { PrettyPrint = true });
     }
 
     private static Scene Open(string file) => new(Path.Combine(AssetsFactAttribute.Folder!, file));
 
     private static string Find(string name) =>
-        Directory.GetFiles(Path.Combine(AssetsFactAttribute.Folder!, "gltf"), name, SearchOption.AllDirectories)[0];
+        Directory.GetFiles(Path.Combine(AssetsFactAttribute.Folder!, "gltf"), name,
+            SearchOption.AllDirectories)[0];
 
     private static IEnumerable<Truth> Truths()
     {
-        using JsonDocument document = JsonDocument.Parse(File.ReadAllText(Path.Combine(AssetsFactAttribute.Folder!, "truth.json")));
+        using JsonDocument document =
+            JsonDocument.Parse(File.ReadAllText(Path.Combine(AssetsFactAttribute.Folder!, "truth.json")));
         foreach (JsonElement entry in document.RootElement.EnumerateArray())
         {
             string file = entry.GetProperty("main").GetString()!;
@@ -149,10 +160,12 @@ public class GltfAssetTests(ITestOutputHelper output)
                 continue;
             JsonElement own = entry.GetProperty("own");
             yield return new Truth(file, Number("nodes"), Number("meshes"), Number("primitives"),
-                                   Number("position_count_over_primitives"), Number("triangles"), Number("materials"),
+                                   Number("position_count_over_primitives"), Number("triangles"),
+                                       Number("materials"),
                                    Number("animations"), Number("cameras"));
 
-            int Number(string name) => own.TryGetProperty(name, out JsonElement value) && value.ValueKind == JsonValueKind.Number
+            int Number(string name) => own.TryGetProperty(name, out JsonElement value)
+                && value.ValueKind == JsonValueKind.Number
                 ? value.GetInt32() : 0;
         }
     }
@@ -175,7 +188,8 @@ public class GltfAssetTests(ITestOutputHelper output)
                 if (entity is not Geometry geometry)
                     continue;
                 if (isFirst)
-                    meshes.Add(System.Runtime.CompilerServices.RuntimeHelpers.GetHashCode(geometry).ToString());
+                    meshes.Add(System.Runtime.CompilerServices.RuntimeHelpers.GetHashCode(
+                        geometry).ToString());
                 isFirst = false;
                 geometries.Add(geometry);
             }
@@ -219,7 +233,9 @@ public class GltfAssetTests(ITestOutputHelper output)
             Collect(child, nodes);
     }
 
-    /// <summary>The vertices of a file, counting those that several primitives of a mesh share once.</summary>
+    /// <summary>
+    /// The vertices of a file, counting those that several primitives of a mesh share once.
+    /// </summary>
     private static long StoredVertices(string file)
     {
         byte[] bytes = File.ReadAllBytes(Path.Combine(AssetsFactAttribute.Folder!, file));
@@ -236,7 +252,8 @@ public class GltfAssetTests(ITestOutputHelper output)
             {
                 int accessor = primitive.GetProperty("attributes").GetProperty("POSITION").GetInt32();
                 if (seen.Add(accessor))
-                    sum += document.RootElement.GetProperty("accessors")[accessor].GetProperty("count").GetInt64();
+                    sum += document.RootElement.GetProperty("accessors")[
+                        accessor].GetProperty("count").GetInt64();
             }
         }
         return sum;

@@ -6,7 +6,9 @@ using Xunit;
 
 namespace Velbor.Voxlar.Tests.Gltf;
 
-/// <summary>Malformed and hostile documents: an exception with the file, the place and the reason, and nothing else.</summary>
+/// <summary>
+/// Malformed and hostile documents: an exception with the file, the place and the reason, and nothing else.
+/// </summary>
 public class GltfBadInputTests
 {
     private const string Asset = """ "asset": {"version": "2.0"} """;
@@ -24,37 +26,64 @@ public class GltfBadInputTests
     [InlineData("{\"asset\": {}}", "asset", "\"version\" is missing")]
     [InlineData("{\"asset\": {\"version\": \"3.0\"}}", "asset.version", "\"3.0\"")]
     [InlineData("{\"asset\": {\"version\": \"2.0\", \"minVersion\": \"2.1\"}}", "asset.minVersion", "2.1")]
-    [InlineData("{" + Asset + ", \"extensionsRequired\": [\"X_unknown\"]}", "extensionsRequired[0]", "X_unknown")]
+    [InlineData("{" + Asset + ", \"extensionsRequired\": [\"X_unknown\"]}", "extensionsRequired[0]",
+        "X_unknown")]
     [InlineData("{" + Asset + ", \"nodes\": 5}", "nodes", "an array is expected")]
     [InlineData("{" + Asset + ", \"nodes\": [7]}", "nodes[0]", "an object is expected")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [9]}]}", "nodes[0].children[0]", "there is no node 9")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [9]}]}", "nodes[0].children[0]",
+        "there is no node 9")]
     [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [-1]}]}", "nodes[0].children[0]", "whole number")]
     [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [0]}]}", "nodes[0].children", "below itself")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [1]}, {\"children\": [0]}]}", "children", "below itself")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [2]}, {\"children\": [2]}, {}]}", "nodes[1].children", "child of node 0")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"matrix\": [1, 2]}]}", "nodes[0].matrix", "16 numbers are expected, 2")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"translation\": [1, 2, \"x\"]}]}", "nodes[0].translation[2]", "a number is expected")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"translation\": [1, 2, 1e999]}]}", "nodes[0].translation[2]", "out of range")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"mesh\": 3}], \"scenes\": [{\"nodes\": [0]}]}", "nodes[0].mesh", "there is no mesh 3")]
-    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [1]}, {}], \"scenes\": [{\"nodes\": [1]}]}", "scenes[0].nodes[0]", "cannot be the root")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [1]}, {\"children\": [0]}]}", "children",
+        "below itself")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [2]}, {\"children\": [2]}, {}]}",
+        "nodes[1].children", "child of node 0")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"matrix\": [1, 2]}]}", "nodes[0].matrix",
+        "16 numbers are expected, 2")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"translation\": [1, 2, \"x\"]}]}", "nodes[0].translation[2]",
+        "a number is expected")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"translation\": [1, 2, 1e999]}]}", "nodes[0].translation[2]",
+        "out of range")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"mesh\": 3}], \"scenes\": [{\"nodes\": [0]}]}",
+        "nodes[0].mesh", "there is no mesh 3")]
+    [InlineData("{" + Asset + ", \"nodes\": [{\"children\": [1]}, {}], \"scenes\": [{\"nodes\": [1]}]}",
+        "scenes[0].nodes[0]", "cannot be the root")]
     [InlineData("{" + Asset + ", \"scene\": 4, \"scenes\": [{}]}", "scene", "there is no scene 4")]
-    [InlineData("{" + Asset + "," + MeshNode + "}", "meshes[0].primitives[0].attributes.POSITION", "there is no accessor 0")]
-    [InlineData("{" + Asset + "," + MeshNode + ", \"accessors\": [{\"componentType\": 5126, \"count\": 2147483647, \"type\": \"VEC3\"}]}", "accessors[0].count", "without a buffer view")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 2, \"type\": \"VEC3\"}]}", "accessors[0]", "do not fit")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 2147483647, \"byteOffset\": 2147483647, \"type\": \"VEC3\"}]}", "accessors[0]", "do not fit")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 9223372036854775807, \"type\": \"VEC3\"}]}", "accessors[0]", "do not fit")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 77, \"count\": 1, \"type\": \"VEC3\"}]}", "accessors[0].componentType", "77")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC9\"}]}", "accessors[0].type", "VEC9")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 3, \"type\": \"SCALAR\"}]}", "POSITION", "3 are expected")]
-    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12 + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "primitives[0]", "whole triangles")]
-    [InlineData("{" + Asset + "," + MeshNode + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"data:;base64,A*AA\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "buffers[0].uri", "base64")]
-    [InlineData("{" + Asset + "," + MeshNode + ", \"buffers\": [{\"byteLength\": 12}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "buffers[0]", "no URI")]
-    [InlineData("{" + Asset + "," + MeshNode + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"http://example.org/a.bin\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "buffers[0].uri", "only files beside")]
-    [InlineData("{" + Asset + "," + MeshNode + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"%2e%2e/secret.bin\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "../secret.bin", "out of its folder")]
-    [InlineData("{" + Asset + "," + MeshNode + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"none.bin\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "none.bin", "not found")]
-    [InlineData("{" + Asset + ", \"materials\": [{\"normalTexture\": {\"index\": 0}}]}", "materials[0].normalTexture.index", "there is no texture 0")]
+    [InlineData("{" + Asset + "," + MeshNode + "}", "meshes[0].primitives[0].attributes.POSITION",
+        "there is no accessor 0")]
+    [InlineData("{" + Asset + "," + MeshNode
+        + ", \"accessors\": [{\"componentType\": 5126, \"count\": 2147483647, \"type\": \"VEC3\"}]}",
+        "accessors[0].count", "without a buffer view")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 2, \"type\": \"VEC3\"}]}", "accessors[0]", "do not fit")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 2147483647, \"byteOffset\": 2147483647, \"type\": \"VEC3\"}]}", "accessors[0]", "do not fit")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 9223372036854775807, \"type\": \"VEC3\"}]}", "accessors[0]", "do not fit")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 77, \"count\": 1, \"type\": \"VEC3\"}]}",
+        "accessors[0].componentType", "77")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC9\"}]}", "accessors[0].type", "VEC9")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 3, \"type\": \"SCALAR\"}]}", "POSITION", "3 are expected")]
+    [InlineData("{" + Asset + "," + MeshNode + "," + Buffer12
+        + ", \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "primitives[0]", "whole triangles")]
+    [InlineData("{" + Asset + "," + MeshNode
+        + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"data:;base64,A*AA\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "buffers[0].uri", "base64")]
+    [InlineData("{" + Asset + "," + MeshNode
+        + ", \"buffers\": [{\"byteLength\": 12}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "buffers[0]", "no URI")]
+    [InlineData("{" + Asset + "," + MeshNode
+        + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"http://example.org/a.bin\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "buffers[0].uri", "only files beside")]
+    [InlineData("{" + Asset + "," + MeshNode
+        + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"%2e%2e/secret.bin\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "../secret.bin", "out of its folder")]
+    [InlineData("{" + Asset + "," + MeshNode
+        + ", \"buffers\": [{\"byteLength\": 12, \"uri\": \"none.bin\"}], \"bufferViews\": [{\"buffer\": 0, \"byteLength\": 12}], \"accessors\": [{\"bufferView\": 0, \"componentType\": 5126, \"count\": 1, \"type\": \"VEC3\"}]}", "none.bin", "not found")]
+    [InlineData("{" + Asset + ", \"materials\": [{\"normalTexture\": {\"index\": 0}}]}",
+        "materials[0].normalTexture.index", "there is no texture 0")]
     [InlineData("{" + Asset + ", \"cameras\": [{\"type\": \"fisheye\"}]}", "cameras[0].type", "fisheye")]
-    [InlineData("{" + Asset + ", \"animations\": [{\"channels\": [{\"sampler\": 0, \"target\": {\"node\": 0, \"path\": \"scale\"}}]}]}", "animations[0].channels[0].sampler", "there is no sampler 0")]
+    [InlineData("{" + Asset
+        + ", \"animations\": [{\"channels\": [{\"sampler\": 0, \"target\": {\"node\": 0, \"path\": \"scale\"}}]}]}", "animations[0].channels[0].sampler", "there is no sampler 0")]
     public void Is_refused_with_file_place_and_reason(string text, string place, string reason)
     {
         var e = Assert.Throws<ImportException>(() => GltfSample.OpenText(text));
@@ -90,7 +119,8 @@ public class GltfBadInputTests
         var nodes = new StringBuilder();
         for (int i = 0; i < 5000; i++)
             nodes.Append(i < 4999 ? $"{{\"children\": [{i + 1}]}}," : "{}");
-        var e = Assert.Throws<ImportException>(() => GltfSample.OpenText("{" + Asset + ", \"nodes\": [" + nodes + "]}"));
+        var e = Assert.Throws<ImportException>(() =>
+            GltfSample.OpenText("{" + Asset + ", \"nodes\": [" + nodes + "]}"));
         Assert.Contains("deep", e.Message, StringComparison.Ordinal);
     }
 
@@ -98,7 +128,8 @@ public class GltfBadInputTests
     public void Deep_JSON_is_refused()
     {
         string deep = new string('[', 5000) + new string(']', 5000);
-        var e = Assert.Throws<ImportException>(() => GltfSample.OpenText("{" + Asset + ", \"extras\": " + deep + "}"));
+        var e = Assert.Throws<ImportException>(() =>
+            GltfSample.OpenText("{" + Asset + ", \"extras\": " + deep + "}"));
         Assert.Contains("line 1", e.Message, StringComparison.Ordinal);
     }
 
@@ -109,7 +140,8 @@ public class GltfBadInputTests
         var nodes = new StringBuilder();
         for (int i = 0; i < 500; i++)
         {
-            meshes.Append(i == 0 ? "" : ",").Append("{\"primitives\": [{\"attributes\": {\"POSITION\": 0}, \"mode\": 0}]}");
+            meshes.Append(i == 0 ? ""
+                : ",").Append("{\"primitives\": [{\"attributes\": {\"POSITION\": 0}, \"mode\": 0}]}");
             nodes.Append(i == 0 ? "" : ",").Append($"{{\"mesh\": {i}}}");
         }
         long before = GC.GetTotalAllocatedBytes();
@@ -120,7 +152,9 @@ public class GltfBadInputTests
         Assert.True(GC.GetTotalAllocatedBytes() - before < 1L << 30);
     }
 
-    /// <summary>Single bytes of a valid document are changed; it opens or is refused, and nothing else happens.</summary>
+    /// <summary>
+    /// Single bytes of a valid document are changed; it opens or is refused, and nothing else happens.
+    /// </summary>
     [Theory]
     [InlineData(1)]
     [InlineData(2)]
@@ -137,7 +171,8 @@ public class GltfBadInputTests
             for (int i = 0; i < changes; i++)
             {
                 int at = random.Next(file.Length);
-                file[at] = random.Next(3) == 0 ? (byte)random.Next(256) : (byte)"0123456789-.,[]{}\"e"[random.Next(19)];
+                file[at] = random.Next(3) == 0 ? (byte)random.Next(256)
+                    : (byte)"0123456789-.,[]{}\"e"[random.Next(19)];
             }
             if (random.Next(10) == 0)
                 file = file[..random.Next(file.Length)];

@@ -13,7 +13,9 @@ using Xunit;
 
 namespace Velbor.Voxlar.Tests.Gltf;
 
-/// <summary>What becomes of each part of a document. Every scene also goes out and back without loss.</summary>
+/// <summary>
+/// What becomes of each part of a document. Every scene also goes out and back without loss.
+/// </summary>
 public class GltfReadTests
 {
     private const string OneNode = """ "scenes": [{"nodes": [0]}], "nodes": [{"mesh": 0, "name": "n"}] """;
@@ -86,7 +88,8 @@ public class GltfReadTests
             $$$$$"""{"attributes": {"POSITION": {{{{{position}}}}}, "_VALUE": {{{{{value}}}}}}, "indices": {{{{{indices}}}}}, "mode": 0}"""));
         var points = Assert.IsType<PointCloud>(First(scene).Entity);
         Assert.Equal([new Vector4(0, 1, 0), new Vector4(0, 0, 0)], points.ControlPoints);
-        Assert.Equal(new float[] { 30, 10 }, Assert.IsType<VertexElementUserData>(points.VertexElements[0]).Data);
+        Assert.Equal(new float[] { 30, 10 },
+            Assert.IsType<VertexElementUserData>(points.VertexElements[0]).Data);
         KeepsAll(scene);
     }
 
@@ -121,7 +124,8 @@ public class GltfReadTests
             """;
         Scene scene = sample.Open(MeshOf($$$$$"""{"attributes": { {{{{{attributes}}}}} } }"""));
         Mesh mesh = FirstMesh(scene);
-        Assert.Equal(new Vector4(0, 0, 1, 0), ((VertexElementNormal)mesh.GetElement(VertexElementType.Normal)!).Data[0]);
+        Assert.Equal(new Vector4(0, 0, 1, 0),
+            ((VertexElementNormal)mesh.GetElement(VertexElementType.Normal)!).Data[0]);
         Assert.Equal(-1, ((VertexElementTangent)mesh.GetElement(VertexElementType.Tangent)!).Data[0].w);
         VertexElementUV[] sets = [.. mesh.VertexElements.OfType<VertexElementUV>()];
         Assert.Equal(["TEXCOORD_0", "TEXCOORD_1"], sets.Select(s => s.Name));
@@ -129,7 +133,8 @@ public class GltfReadTests
         Assert.Equal(0.75, sets[0].Data[1].y);
         Assert.Equal(0, sets[1].Data[0].y);
         Assert.Equal(1, mesh.VertexElements.OfType<VertexElementVertexColor>().First().Data[0].w);
-        Assert.Equal(new ushort[] { 1, 2, 3, 4, 5, 6 }, mesh.VertexElements.OfType<VertexElementUserData>().Single().Data);
+        Assert.Equal(new ushort[] { 1, 2, 3, 4, 5, 6 },
+            mesh.VertexElements.OfType<VertexElementUserData>().Single().Data);
         KeepsAll(scene);
     }
 
@@ -162,13 +167,15 @@ public class GltfReadTests
     {
         var sample = new GltfSample();
         int where = sample.View([1, 2]);
-        int values = sample.View(System.Runtime.InteropServices.MemoryMarshal.AsBytes(new float[] { 1, 2, 3, 4, 5, 6 }.AsSpan()));
+        int values = sample.View(
+            System.Runtime.InteropServices.MemoryMarshal.AsBytes(new float[] { 1, 2, 3, 4, 5, 6 }.AsSpan()));
         int position = sample.Accessor($$$$$"""
             {"componentType": 5126, "count": 3, "type": "VEC3", "sparse": {"count": 2,
              "indices": {"bufferView": {{{{{where}}}}}, "componentType": 5121}, "values": {"bufferView": {{{{{values}}}}}}}}
             """);
         Scene scene = sample.Open(MeshOf($$$$$"""{"attributes": {"POSITION": {{{{{position}}}}}}}"""));
-        Assert.Equal([new Vector4(0, 0, 0), new Vector4(1, 2, 3), new Vector4(4, 5, 6)], FirstMesh(scene).ControlPoints);
+        Assert.Equal([new Vector4(0, 0, 0), new Vector4(1, 2, 3), new Vector4(4, 5, 6)],
+            FirstMesh(scene).ControlPoints);
     }
 
     [Fact]
@@ -189,7 +196,8 @@ public class GltfReadTests
         Assert.Equal(["blue", "red"], First(scene).Materials.Select(m => m.Name));
         Assert.Equal([0, 1, 1], mesh.GetElement(VertexElementType.Material)!.Indices);
         // Two primitives of one material are told apart by polygon groups.
-        Assert.Equal([0, 1, 2], ((VertexElementPolygonGroup)mesh.GetElement(VertexElementType.PolygonGroup)!).Data);
+        Assert.Equal([0, 1, 2],
+            ((VertexElementPolygonGroup)mesh.GetElement(VertexElementType.PolygonGroup)!).Data);
         KeepsAll(scene);
         GltfSample.Through(scene, new GltfSaveOptions(FileContentType.Binary), out var document);
         Assert.Equal(3, document["meshes"]![0]!["primitives"]!.AsArray().Count);
@@ -211,7 +219,8 @@ public class GltfReadTests
         Assert.Equal([3, 4, 5], FirstMesh(scene).Polygons[1]);
         KeepsAll(scene);
         GltfSample.Through(scene, new GltfSaveOptions(FileContentType.Binary), out var document);
-        var counts = document["accessors"]!.AsArray().Where(item => item!["type"]!.GetValue<string>() == "VEC3")
+        var counts = document["accessors"]!.AsArray().Where(item =>
+            item!["type"]!.GetValue<string>() == "VEC3")
             .Select(item => item!["count"]!.GetValue<int>());
         Assert.Equal([3, 4], counts);
     }
@@ -229,7 +238,8 @@ public class GltfReadTests
             {"attributes": {"POSITION": {{{{{position}}}}}}, "mode": 3, "material": 1}
             """));
         Node node = First(scene);
-        Assert.Equal([typeof(Mesh), typeof(Mesh), typeof(PointCloud), typeof(Line)], node.Entities.Select(e => e.GetType()));
+        Assert.Equal([typeof(Mesh), typeof(Mesh), typeof(PointCloud), typeof(Line)],
+            node.Entities.Select(e => e.GetType()));
         // Where some primitives have a material, those without one get the default of the format.
         Assert.Equal(["red", "blue", ""], node.Materials.Select(m => m.Name));
         Assert.Equal(1, node.Entities[3].GetProperty("MaterialIndex"));
@@ -437,7 +447,8 @@ public class GltfReadTests
         KeepsAll(scene);
         GltfSample.Through(scene, new GltfSaveOptions(FileContentType.Binary), out var document);
         Assert.Single(document["images"]!.AsArray());
-        Assert.Equal(0.5f, document["materials"]![0]!["pbrMetallicRoughness"]!["baseColorTexture"]!["extensions"]!
+        Assert.Equal(0.5f,
+            document["materials"]![0]!["pbrMetallicRoughness"]!["baseColorTexture"]!["extensions"]!
             ["KHR_texture_transform"]!["offset"]![0]!.GetValue<float>(), 5);
     }
 
@@ -453,7 +464,9 @@ public class GltfReadTests
             {{{{{MeshOf(WithMaterial(sample))}}}}}
             """);
         TextureBase turned = ((PbrMaterial)First(GltfSample.OpenText(text)).Material!).AlbedoTexture!;
-        TextureBase plain = ((PbrMaterial)First(GltfSample.OpenText(text, new GltfLoadOptions { FlipTexCoordV = false })).Material!).AlbedoTexture!;
+        TextureBase plain = (
+            (PbrMaterial)First(GltfSample.OpenText(text,
+            new GltfLoadOptions { FlipTexCoordV = false })).Material!).AlbedoTexture!;
         Assert.Equal(0.25, plain.UVTranslation.y);
         Vector2 point = new(0.125, 0.75);
         Vector2 direct = Apply(plain, point);

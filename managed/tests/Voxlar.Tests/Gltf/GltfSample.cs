@@ -16,9 +16,11 @@ internal sealed class GltfSample
     private readonly JsonArray accessors = [];
 
     /// <summary>The accessor of single-precision numbers.</summary>
-    public int Floats(string type, params float[] values) => Add(type, 5126, MemoryMarshal.AsBytes(values.AsSpan()), values.Length, false);
+    public int Floats(string type, params float[] values) =>
+        Add(type, 5126, MemoryMarshal.AsBytes(values.AsSpan()), values.Length, false);
 
-    public int Bytes(string type, bool normalized, params byte[] values) => Add(type, 5121, values, values.Length, normalized);
+    public int Bytes(string type, bool normalized, params byte[] values) =>
+        Add(type, 5121, values, values.Length, normalized);
 
     public int Shorts(string type, bool normalized, params ushort[] values) =>
         Add(type, 5123, MemoryMarshal.AsBytes(values.AsSpan()), values.Length, normalized);
@@ -26,7 +28,8 @@ internal sealed class GltfSample
     public int SignedShorts(string type, bool normalized, params short[] values) =>
         Add(type, 5122, MemoryMarshal.AsBytes(values.AsSpan()), values.Length, normalized);
 
-    public int Integers(params uint[] values) => Add("SCALAR", 5125, MemoryMarshal.AsBytes(values.AsSpan()), values.Length, false);
+    public int Integers(params uint[] values) =>
+        Add("SCALAR", 5125, MemoryMarshal.AsBytes(values.AsSpan()), values.Length, false);
 
     /// <summary>An accessor told by hand.</summary>
     public int Accessor(string json)
@@ -39,7 +42,8 @@ internal sealed class GltfSample
     {
         while (buffer.Length % 4 != 0)
             buffer.WriteByte(0);
-        views.Add((JsonNode)new JsonObject { ["buffer"] = 0, ["byteOffset"] = buffer.Length, ["byteLength"] = bytes.Length });
+        views.Add((JsonNode)new JsonObject { ["buffer"] = 0, ["byteOffset"] = buffer.Length, ["byteLength"] =
+            bytes.Length });
         buffer.Write(bytes);
         return views.Count - 1;
     }
@@ -49,7 +53,8 @@ internal sealed class GltfSample
         int components = type switch { "SCALAR" => 1, "VEC2" => 2, "VEC3" => 3, "MAT4" => 16, _ => 4 };
         var accessor = new JsonObject
         {
-            ["bufferView"] = View(bytes), ["componentType"] = componentType, ["count"] = count / components, ["type"] = type,
+            ["bufferView"] = View(bytes), ["componentType"] = componentType, ["count"] = count / components,
+                ["type"] = type,
         };
         if (normalized)
             accessor["normalized"] = true;
@@ -58,7 +63,8 @@ internal sealed class GltfSample
     }
 
     /// <summary>The text of the document, its buffer as a data URI.</summary>
-    /// <param name="members">The members beside asset, accessors, views and buffers: the inside of an object.</param>
+    /// <param name="members">The members beside asset, accessors, views and buffers: the inside of an
+    /// object.</param>
     public string Text(string members)
     {
         string inside = members.Trim();

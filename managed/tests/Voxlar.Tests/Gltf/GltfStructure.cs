@@ -7,8 +7,8 @@ using System.Text.Json;
 namespace Velbor.Voxlar.Tests.Gltf;
 
 /// <summary>
-/// Checks a written document against the rules of the format, from its bytes alone: it shares no code with the writer. It
-/// gives a list of what is wrong.
+/// Checks a written document against the rules of the format, from its bytes alone: it shares no code with
+/// the writer. It gives a list of what is wrong.
 /// </summary>
 internal sealed class GltfStructure
 {
@@ -76,7 +76,8 @@ internal sealed class GltfStructure
         return (json!, binary);
     }
 
-    private static byte[][] LoadBuffers(JsonElement root, byte[]? binary, Func<string, byte[]> sideFile, List<string> problems)
+    private static byte[][] LoadBuffers(JsonElement root, byte[]? binary, Func<string, byte[]> sideFile,
+        List<string> problems)
     {
         if (!root.TryGetProperty("buffers", out JsonElement list))
             return [];
@@ -88,7 +89,8 @@ internal sealed class GltfStructure
             {
                 string text = uri.GetString()!;
                 content = text.StartsWith("data:", StringComparison.Ordinal)
-                    ? Convert.FromBase64String(text[(text.IndexOf(',') + 1)..]) : sideFile(Uri.UnescapeDataString(text));
+                    ? Convert.FromBase64String(text[(text.IndexOf(',') + 1)..])
+                        : sideFile(Uri.UnescapeDataString(text));
             }
             int length = buffer.GetProperty("byteLength").GetInt32();
             if (content.Length < length || content.Length > length + 3)
@@ -117,7 +119,8 @@ internal sealed class GltfStructure
         CheckScenes();
     }
 
-    private int CountOf(string name) => root.TryGetProperty(name, out JsonElement list) ? list.GetArrayLength() : 0;
+    private int CountOf(string name) => root.TryGetProperty(name, out JsonElement list)
+        ? list.GetArrayLength() : 0;
 
     private IEnumerable<(JsonElement Item, string Where)> All(string name)
     {
@@ -227,7 +230,8 @@ internal sealed class GltfStructure
     private static long Number(JsonElement owner, string name, long otherwise) =>
         owner.TryGetProperty(name, out JsonElement value) ? value.GetInt64() : otherwise;
 
-    private static int SizeOf(int componentType) => componentType switch { 5120 or 5121 => 1, 5122 or 5123 => 2, _ => 4 };
+    private static int SizeOf(int componentType) =>
+        componentType switch { 5120 or 5121 => 1, 5122 or 5123 => 2, _ => 4 };
 
     private void CheckAccessors()
     {
@@ -246,7 +250,8 @@ internal sealed class GltfStructure
             long count = accessor.GetProperty("count").GetInt64();
             if (count < 1)
                 problems.Add($"{where}: no elements");
-            if (stride < size || offset + stride * (count - 1) + size > view.GetProperty("byteLength").GetInt64())
+            if (stride < size || offset + stride * (count - 1)
+                + size > view.GetProperty("byteLength").GetInt64())
                 problems.Add($"{where}: does not fit into its view");
             if ((offset + Number(view, "byteOffset", 0)) % SizeOf(componentType) != 0)
                 problems.Add($"{where}: not aligned");
@@ -255,7 +260,8 @@ internal sealed class GltfStructure
         }
     }
 
-    private void CheckBounds(double[] values, int components, JsonElement least, JsonElement most, string where)
+    private void CheckBounds(double[] values, int components, JsonElement least, JsonElement most,
+        string where)
     {
         for (int k = 0; k < components; k++)
         {
@@ -285,7 +291,8 @@ internal sealed class GltfStructure
         var values = new double[count * components];
         for (int i = 0; i < values.Length; i++)
         {
-            ReadOnlySpan<byte> at = buffer.AsSpan((int)(start + i / components * stride + i % components * componentSize));
+            ReadOnlySpan<byte> at =
+                buffer.AsSpan((int)(start + i / components * stride + i % components * componentSize));
             values[i] = componentType switch
             {
                 5120 => (sbyte)at[0],
@@ -308,7 +315,8 @@ internal sealed class GltfStructure
             Index(node, "camera", "cameras", where, out _);
             if (Index(node, "skin", "skins", where, out _) && !node.TryGetProperty("mesh", out _))
                 problems.Add($"{where}: a skin without a mesh");
-            bool hasParts = node.TryGetProperty("translation", out _) || node.TryGetProperty("rotation", out _)
+            bool hasParts = node.TryGetProperty("translation", out _)
+                || node.TryGetProperty("rotation", out _)
                 || node.TryGetProperty("scale", out _);
             if (hasParts && node.TryGetProperty("matrix", out _))
                 problems.Add($"{where}: matrix and parts");
@@ -340,12 +348,14 @@ internal sealed class GltfStructure
             foreach (JsonElement primitive in mesh.GetProperty("primitives").EnumerateArray())
             {
                 CheckPrimitive(primitive, where);
-                int own = primitive.TryGetProperty("targets", out JsonElement list) ? list.GetArrayLength() : 0;
+                int own = primitive.TryGetProperty("targets", out JsonElement list) ? list.GetArrayLength()
+                    : 0;
                 if (targets >= 0 && targets != own)
                     problems.Add($"{where}: primitives with {targets} and {own} targets");
                 targets = own;
             }
-            if (mesh.TryGetProperty("weights", out JsonElement weights) && weights.GetArrayLength() != targets)
+            if (mesh.TryGetProperty("weights", out JsonElement weights)
+                && weights.GetArrayLength() != targets)
                 problems.Add($"{where}: {weights.GetArrayLength()} weights for {targets} targets");
         }
     }
@@ -376,7 +386,8 @@ internal sealed class GltfStructure
             }
             corners = accessor.GetProperty("count").GetInt64();
         }
-        bool fits = mode switch { 4 => corners % 3 == 0, 1 => corners % 2 == 0, 0 => true, 2 or 3 => corners > 1, _ => corners > 2 };
+        bool fits = mode switch { 4 => corners % 3 == 0, 1 => corners % 2 == 0, 0 => true, 2 or 3 =>
+            corners > 1, _ => corners > 2 };
         if (!fits)
             problems.Add($"{where}: {corners} corners for mode {mode}");
     }
@@ -402,7 +413,8 @@ internal sealed class GltfStructure
         }
         if (!isTarget && !attributes.TryGetProperty("POSITION", out _))
             problems.Add($"{where}: no POSITION");
-        if (!isTarget && attributes.TryGetProperty("TANGENT", out _) && !attributes.TryGetProperty("NORMAL", out _))
+        if (!isTarget && attributes.TryGetProperty("TANGENT", out _)
+            && !attributes.TryGetProperty("NORMAL", out _))
             problems.Add($"{where}: TANGENT without NORMAL");
         return vertices;
     }
@@ -421,7 +433,8 @@ internal sealed class GltfStructure
         };
         if (expected is not null && expected != (type, componentType))
             problems.Add($"{where}.{semantic}: {type} of {componentType}");
-        if (semantic.StartsWith("JOINTS_", StringComparison.Ordinal) && (type != "VEC4" || componentType is not (5121 or 5123)))
+        if (semantic.StartsWith("JOINTS_", StringComparison.Ordinal)
+            && (type != "VEC4" || componentType is not (5121 or 5123)))
             problems.Add($"{where}.{semantic}: {type} of {componentType}");
         double[] values = Floats(accessor);
         foreach (double value in values)
@@ -437,7 +450,8 @@ internal sealed class GltfStructure
         int components = componentsOf[type];
         for (int i = 0; i < values.Length; i += components)
         {
-            double length = Math.Sqrt(values[i] * values[i] + values[i + 1] * values[i + 1] + values[i + 2] * values[i + 2]);
+            double length = Math.Sqrt(values[i] * values[i] + values[i + 1] * values[i + 1]
+                + values[i + 2] * values[i + 2]);
             if (Math.Abs(length - 1) > 0.0068)
                 problems.Add($"{where}.{semantic}: element {i / components} has length {length}");
             if (semantic == "TANGENT" && Math.Abs(values[i + 3]) != 1)
@@ -459,7 +473,8 @@ internal sealed class GltfStructure
             if (!Index(skin, "inverseBindMatrices", "accessors", where, out int index))
                 continue;
             JsonElement accessor = root.GetProperty("accessors")[index];
-            if (accessor.GetProperty("type").GetString() != "MAT4" || accessor.GetProperty("count").GetInt32() < joints.Count)
+            if (accessor.GetProperty("type").GetString() != "MAT4"
+                || accessor.GetProperty("count").GetInt32() < joints.Count)
                 problems.Add($"{where}: the bind matrices");
         }
     }
@@ -491,10 +506,12 @@ internal sealed class GltfStructure
         {
             if (member.Name == "extras")
                 continue;
-            if (member.Name.EndsWith("Texture", StringComparison.Ordinal) && member.Value.ValueKind == JsonValueKind.Object)
+            if (member.Name.EndsWith("Texture", StringComparison.Ordinal)
+                && member.Value.ValueKind == JsonValueKind.Object)
                 Index(member.Value, "index", "textures", where + "." + member.Name, out _);
             bool isFactor = member.Name.EndsWith("Factor", StringComparison.Ordinal);
-            if (isFactor && member.Value.ValueKind == JsonValueKind.Number && member.Value.GetDouble() is < 0 or > 1)
+            if (isFactor && member.Value.ValueKind == JsonValueKind.Number && member.Value.GetDouble() is < 0
+                or > 1)
                 problems.Add($"{where}.{member.Name}: {member.Value}");
             CheckTextures(member.Value, where + "." + member.Name);
         }
@@ -525,7 +542,8 @@ internal sealed class GltfStructure
 
     private void CheckSampler(JsonElement sampler, string path, int node, string where)
     {
-        if (!Index(sampler, "input", "accessors", where, out int input) || !Index(sampler, "output", "accessors", where, out int output))
+        if (!Index(sampler, "input", "accessors", where, out int input)
+            || !Index(sampler, "output", "accessors", where, out int output))
             return;
         JsonElement times = root.GetProperty("accessors")[input];
         JsonElement values = root.GetProperty("accessors")[output];
@@ -538,11 +556,13 @@ internal sealed class GltfStructure
                 problems.Add($"{where}: key time {time} after {last}");
             last = time;
         }
-        bool cubic = sampler.TryGetProperty("interpolation", out JsonElement told) && told.GetString() == "CUBICSPLINE";
+        bool cubic = sampler.TryGetProperty("interpolation", out JsonElement told)
+            && told.GetString() == "CUBICSPLINE";
         int perKey = 1;
         if (path == "weights")
         {
-            JsonElement mesh = root.GetProperty("meshes")[root.GetProperty("nodes")[node].GetProperty("mesh").GetInt32()];
+            JsonElement mesh =
+                root.GetProperty("meshes")[root.GetProperty("nodes")[node].GetProperty("mesh").GetInt32()];
             perKey = mesh.GetProperty("primitives")[0].GetProperty("targets").GetArrayLength();
         }
         long expected = times.GetProperty("count").GetInt64() * perKey * (cubic ? 3 : 1);

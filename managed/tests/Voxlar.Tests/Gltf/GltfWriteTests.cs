@@ -39,7 +39,8 @@ public class GltfWriteTests
         return document;
     }
 
-    private static string Refusal(Scene scene, Action<GltfSaveOptions>? set = null, FileContentType form = FileContentType.Binary)
+    private static string Refusal(Scene scene, Action<GltfSaveOptions>? set = null, FileContentType form =
+        FileContentType.Binary)
     {
         using var folder = new TemporaryFolder();
         var options = new GltfSaveOptions(form);
@@ -65,7 +66,8 @@ public class GltfWriteTests
         foreach (int[] polygon in after.Polygons)
         {
             Vector3 a = new(after.ControlPoints[polygon[0]]);
-            double part = (new Vector3(after.ControlPoints[polygon[1]]) - a).Cross(new Vector3(after.ControlPoints[polygon[2]]) - a).z / 2;
+            double part = (new Vector3(after.ControlPoints[polygon[1]]) - a).Cross(
+                new Vector3(after.ControlPoints[polygon[2]]) - a).z / 2;
             Assert.True(part > 0);
             area += part;
         }
@@ -89,7 +91,8 @@ public class GltfWriteTests
         var after = (Mesh)First(Through(new Scene(mesh))).Entity!;
         // Two corners are shared by both triangles but differ in their normals; the unused point is left out.
         Assert.Equal(6, after.ControlPoints.Count);
-        Assert.Equal(new Vector4(0, 1, 0, 0), ((VertexElementNormal)after.GetElement(VertexElementType.Normal)!).Data[after.Polygons[1][0]]);
+        Assert.Equal(new Vector4(0, 1, 0, 0),
+            ((VertexElementNormal)after.GetElement(VertexElementType.Normal)!).Data[after.Polygons[1][0]]);
 
         normals.SetData([new Vector4(0, 0, 1, 0), new Vector4(0, 0, 1, 0)]);
         Assert.Equal(4, ((Mesh)First(Through(new Scene(mesh))).Entity!).ControlPoints.Count);
@@ -121,7 +124,8 @@ public class GltfWriteTests
         var scene = new Scene();
         Node node = scene.RootNode.CreateChildNode("n", mesh);
         node.Materials.Add(new LambertMaterial("a"));
-        node.Materials.Add(new PhongMaterial("b") { DiffuseColor = new Vector3(1, 0, 0), Transparency = 0.5 });
+        node.Materials.Add(new PhongMaterial("b") { DiffuseColor = new Vector3(1, 0, 0), Transparency =
+            0.5 });
         Node after = First(Through(scene));
         Assert.Equal(["b", "a"], after.Materials.Select(m => m.Name));
         Assert.Equal(4, ((Mesh)after.Entity!).PolygonCount);
@@ -150,7 +154,8 @@ public class GltfWriteTests
     {
         Entity[] solids =
         [
-            new Box(1, 2, 3), new Sphere(1), new Cylinder(1, 2), new Torus(2, 0.5), new Plane(1, 1), new Pyramid(1, 1, 1), new Dish(1, 0.5),
+            new Box(1, 2, 3), new Sphere(1), new Cylinder(1, 2), new Torus(2, 0.5), new Plane(1, 1),
+                new Pyramid(1, 1, 1), new Dish(1, 0.5),
             new RectangularTorus(),
         ];
         foreach (Entity solid in solids)
@@ -180,7 +185,8 @@ public class GltfWriteTests
         Assert.Equal("raw", after.Name);
         Assert.Equal(2, after.PolygonCount);
         Assert.Equal(4, after.ControlPoints.Count);
-        Assert.Equal(new Vector4(0, 0, 1, 0), ((VertexElementNormal)after.GetElement(VertexElementType.Normal)!).Data[0]);
+        Assert.Equal(new Vector4(0, 0, 1, 0),
+            ((VertexElementNormal)after.GetElement(VertexElementType.Normal)!).Data[0]);
     }
 
     [Fact]
@@ -199,7 +205,8 @@ public class GltfWriteTests
         var bare = new Mesh("bare");
         bare.ControlPoints.Add(new Vector4(1, 2, 3));
         Scene after = Through(new Scene(bare));
-        Assert.Equal(new Vector4(1, 2, 3), Assert.Single(Assert.IsType<PointCloud>(First(after).Entity).ControlPoints));
+        Assert.Equal(new Vector4(1, 2, 3),
+            Assert.Single(Assert.IsType<PointCloud>(First(after).Entity).ControlPoints));
         Assert.Null(First(Through(new Scene(new Mesh("empty")))).Entity);
     }
 
@@ -223,20 +230,28 @@ public class GltfWriteTests
     public void Options_for_what_is_not_there_are_refused_by_name()
     {
         Scene scene = new(Square());
-        Assert.Contains("DracoCompression", Refusal(scene, o => o.DracoCompression = true), StringComparison.Ordinal);
-        Assert.Contains("ExternalDracoEncoder", Refusal(scene, o => o.ExternalDracoEncoder = "x"), StringComparison.Ordinal);
+        Assert.Contains("DracoCompression", Refusal(scene, o => o.DracoCompression = true),
+            StringComparison.Ordinal);
+        Assert.Contains("ExternalDracoEncoder", Refusal(scene, o => o.ExternalDracoEncoder = "x"),
+            StringComparison.Ordinal);
         Assert.Contains("BufferFile", Refusal(scene, o => o.BufferFile = "x.bin"), StringComparison.Ordinal);
-        Assert.Contains("BufferFile", Refusal(scene, o => (o.BufferFile, o.EmbedAssets) = ("x.bin", true), FileContentType.ASCII), StringComparison.Ordinal);
-        Assert.Contains("FallbackNormal", Refusal(scene, o => o.FallbackNormal = Vector3.Origin), StringComparison.Ordinal);
+        Assert.Contains("BufferFile",
+            Refusal(scene, o => (o.BufferFile, o.EmbedAssets) = ("x.bin", true), FileContentType.ASCII),
+            StringComparison.Ordinal);
+        Assert.Contains("FallbackNormal", Refusal(scene, o => o.FallbackNormal = Vector3.Origin),
+            StringComparison.Ordinal);
         Scene textured = Textured([0xFF, 0xD8, 0xFF, 0xE0]);
-        Assert.Contains("ImageFormat", Refusal(textured, o => o.ImageFormat = GltfEmbeddedImageFormat.PNG), StringComparison.Ordinal);
-        Assert.Contains("climbs", Refusal(scene, o => o.BufferFile = "../climbs.bin", FileContentType.ASCII), StringComparison.Ordinal);
+        Assert.Contains("ImageFormat", Refusal(textured, o => o.ImageFormat = GltfEmbeddedImageFormat.PNG),
+            StringComparison.Ordinal);
+        Assert.Contains("climbs", Refusal(scene, o => o.BufferFile = "../climbs.bin", FileContentType.ASCII),
+            StringComparison.Ordinal);
     }
 
     private static Scene Textured(byte[] content, string? fileName = "pic.jpg")
     {
         var scene = new Scene();
-        var material = new PbrMaterial { AlbedoTexture = new Texture("pic") { Content = content, FileName = fileName } };
+        var material = new PbrMaterial { AlbedoTexture =
+            new Texture("pic") { Content = content, FileName = fileName } };
         scene.RootNode.CreateChildNode("n", Square(), material);
         return scene;
     }
@@ -252,7 +267,8 @@ public class GltfWriteTests
         Assert.Equal(picture, File.ReadAllBytes(folder.File("pic.jpg")));
         Assert.DoesNotContain('\n', File.ReadAllText(folder.File("a.gltf")));
 
-        scene.Save(folder.File("b.gltf"), new GltfSaveOptions(FileContentType.ASCII) { BufferFile = "own name.bin", PrettyPrint = true });
+        scene.Save(folder.File("b.gltf"),
+            new GltfSaveOptions(FileContentType.ASCII) { BufferFile = "own name.bin", PrettyPrint = true });
         Assert.True(File.Exists(folder.File("own name.bin")));
         Assert.Contains("own%20name.bin", File.ReadAllText(folder.File("b.gltf")), StringComparison.Ordinal);
         Assert.Contains('\n', File.ReadAllText(folder.File("b.gltf")));
@@ -285,10 +301,13 @@ public class GltfWriteTests
     public void Images_of_other_kinds_are_kept()
     {
         Scene after = Through(Textured("BM12"u8.ToArray(), "old.bmp"));
-        Assert.Equal("BM12"u8.ToArray(), ((Texture)((PbrMaterial)First(after).Material!).AlbedoTexture!).Content);
+        Assert.Equal("BM12"u8.ToArray(),
+            ((Texture)((PbrMaterial)First(after).Material!).AlbedoTexture!).Content);
         Scene webp = Textured([.. "RIFF"u8, 0, 0, 0, 0, .. "WEBP"u8], "new.webp");
-        Assert.Contains("EXT_texture_webp", DocumentOf(webp)["extensionsUsed"]!.ToJsonString(), StringComparison.Ordinal);
-        Assert.Equal(12, ((Texture)((PbrMaterial)First(Through(webp)).Material!).AlbedoTexture!).Content!.Length);
+        Assert.Contains("EXT_texture_webp", DocumentOf(webp)["extensionsUsed"]!.ToJsonString(),
+            StringComparison.Ordinal);
+        Assert.Equal(12, (
+            (Texture)((PbrMaterial)First(Through(webp)).Material!).AlbedoTexture!).Content!.Length);
     }
 
     [Fact]
@@ -301,7 +320,8 @@ public class GltfWriteTests
         byte[] content = ((Texture)((PbrMaterial)First(after).Material!).AlbedoTexture!).Content!;
         Assert.Equal("PNG", System.Text.Encoding.ASCII.GetString(content, 1, 3));
         using var folder = new TemporaryFolder();
-        Textured(bitmap, "red.bmp").Save(folder.File("a.gltf"), new GltfSaveOptions(FileContentType.ASCII) { ImageFormat = GltfEmbeddedImageFormat.PNG });
+        Textured(bitmap, "red.bmp").Save(folder.File("a.gltf"),
+            new GltfSaveOptions(FileContentType.ASCII) { ImageFormat = GltfEmbeddedImageFormat.PNG });
         Assert.Equal(["a.bin", "a.gltf", "red.png"], folder.Names());
     }
 
@@ -310,10 +330,13 @@ public class GltfWriteTests
     {
         Scene scene = Textured(null!, "gone.png");
         Assert.Equal("gone.png", DocumentOf(scene)["images"]![0]!["uri"]!.GetValue<string>());
-        Assert.Contains("gone.png", Assert.Throws<ExportException>(() => DocumentOf(scene, o => o.ExportTextures = true)).Message, StringComparison.Ordinal);
+        Assert.Contains("gone.png",
+            Assert.Throws<ExportException>(() => DocumentOf(scene, o => o.ExportTextures = true)).Message,
+            StringComparison.Ordinal);
         using var folder = new TemporaryFolder();
         File.WriteAllBytes(folder.File("gone.png"), [0x89, (byte)'P', (byte)'N', (byte)'G']);
-        Assert.NotNull(DocumentOf(scene, o => (o.ExportTextures, o.LookupPaths) = (true, [folder.Path]))["images"]![0]!["bufferView"]);
+        Assert.NotNull(DocumentOf(scene, o => (o.ExportTextures, o.LookupPaths) =
+            (true, [folder.Path]))["images"]![0]!["bufferView"]);
     }
 
     [Fact]
@@ -321,12 +344,15 @@ public class GltfWriteTests
     {
         Mesh mesh = Square();
         var uv = new VertexElementUV();
-        uv.SetData([new Vector4(0, 0.25, 0), new Vector4(0, 0.25, 0), new Vector4(0, 0.25, 0), new Vector4(0, 0.25, 0)]);
+        uv.SetData([new Vector4(0, 0.25, 0), new Vector4(0, 0.25, 0), new Vector4(0, 0.25, 0),
+            new Vector4(0, 0.25, 0)]);
         mesh.AddElement(uv);
         mesh.SetProperty("tag", "x");
         Scene scene = new(mesh);
-        Scene plain = GltfSample.Through(scene, new GltfSaveOptions(FileContentType.Binary) { FlipTexCoordV = false, SaveExtras = false }, out _);
-        Assert.Equal(0.75, ((VertexElementUV)((Mesh)First(plain).Entity!).GetElement(VertexElementType.UV)!).Data[0].y);
+        Scene plain = GltfSample.Through(scene,
+            new GltfSaveOptions(FileContentType.Binary) { FlipTexCoordV = false, SaveExtras = false }, out _);
+        Assert.Equal(0.75,
+            ((VertexElementUV)((Mesh)First(plain).Entity!).GetElement(VertexElementType.UV)!).Data[0].y);
         Assert.Null(First(plain).Entity!.GetProperty("tag"));
         Assert.Equal("x", First(Through(scene)).Entity!.GetProperty("tag"));
     }
@@ -336,16 +362,21 @@ public class GltfWriteTests
     {
         Mesh mesh = Square();
         var normals = new VertexElementNormal();
-        normals.SetData([default, new Vector4(0, 0, 5, 0), new Vector4(double.NaN, 0, 0, 0), new Vector4(1, 0, 0, 0)]);
+        normals.SetData([default, new Vector4(0, 0, 5, 0), new Vector4(double.NaN, 0, 0, 0),
+            new Vector4(1, 0, 0, 0)]);
         mesh.AddElement(normals);
         Vector4[] after = NormalsOf(Through(new Scene(mesh)));
-        Assert.Equal([new Vector4(0, 0, 1, 0), new Vector4(0, 0, 1, 0), new Vector4(0, 0, 1, 0), new Vector4(1, 0, 0, 0)], after);
+        Assert.Equal([new Vector4(0, 0, 1, 0), new Vector4(0, 0, 1, 0), new Vector4(0, 0, 1, 0),
+            new Vector4(1, 0, 0, 0)], after);
         var options = new GltfSaveOptions(FileContentType.Binary) { FallbackNormal = new Vector3(0, -2, 0) };
-        Assert.Equal(new Vector4(0, -1, 0, 0), NormalsOf(GltfSample.Through(new Scene(mesh), options, out _))[0]);
-        Assert.All(NormalsOf(GltfSample.Through(new Scene(Square()), options, out _)), n => Assert.Equal(new Vector4(0, -1, 0, 0), n));
+        Assert.Equal(new Vector4(0, -1, 0, 0),
+            NormalsOf(GltfSample.Through(new Scene(mesh), options, out _))[0]);
+        Assert.All(NormalsOf(GltfSample.Through(new Scene(Square()), options, out _)), n =>
+            Assert.Equal(new Vector4(0, -1, 0, 0), n));
 
         static Vector4[] NormalsOf(Scene scene) =>
-            [.. ((VertexElementNormal)((Mesh)First(scene).Entity!).GetElement(VertexElementType.Normal)!).Data];
+            [.. ((VertexElementNormal)((Mesh)First(scene).Entity!).GetElement(
+                VertexElementType.Normal)!).Data];
     }
 
     [Fact]
@@ -354,7 +385,8 @@ public class GltfWriteTests
         Scene scene = new(Square());
         scene.AssetInfo.UnitScaleFactor = 2.54;
         Assert.Equal(1, First(Through(scene)).GlobalTransform.Scale.x);
-        Scene scaled = GltfSample.Through(scene, new GltfSaveOptions(FileContentType.Binary) { ApplyUnitScale = true }, out _);
+        Scene scaled = GltfSample.Through(scene,
+            new GltfSaveOptions(FileContentType.Binary) { ApplyUnitScale = true }, out _);
         Close.To(0.0254, First(scaled).ChildNodes[0].GlobalTransform.Scale.x);
     }
 
@@ -362,14 +394,18 @@ public class GltfWriteTests
     public void Common_materials_keep_Phong_and_Lambert_when_asked()
     {
         var scene = new Scene();
-        var phong = new PhongMaterial("p") { SpecularColor = new Vector3(0.5, 0.25, 1), Shininess = 20, DiffuseColor = new Vector3(1, 0.5, 0) };
+        var phong = new PhongMaterial("p") { SpecularColor = new Vector3(0.5, 0.25, 1), Shininess = 20,
+            DiffuseColor = new Vector3(1, 0.5, 0) };
         scene.RootNode.CreateChildNode("a", Square(), phong);
-        scene.RootNode.CreateChildNode("b", Square(), new LambertMaterial("l") { AmbientColor = new Vector3(0.25, 0, 0) });
-        Scene after = GltfSample.Through(scene, new GltfSaveOptions(FileContentType.Binary) { UseCommonMaterials = true }, out _);
+        scene.RootNode.CreateChildNode("b", Square(),
+            new LambertMaterial("l") { AmbientColor = new Vector3(0.25, 0, 0) });
+        Scene after = GltfSample.Through(scene,
+            new GltfSaveOptions(FileContentType.Binary) { UseCommonMaterials = true }, out _);
         var kept = Assert.IsType<PhongMaterial>(First(after).Material);
         Assert.Equal(20, kept.Shininess);
         Assert.Equal(new Vector3(0.5, 0.25, 1), kept.SpecularColor);
-        Assert.Equal(new Vector3(0.25, 0, 0), Assert.IsType<LambertMaterial>(after.RootNode.ChildNodes[1].Material).AmbientColor);
+        Assert.Equal(new Vector3(0.25, 0, 0),
+            Assert.IsType<LambertMaterial>(after.RootNode.ChildNodes[1].Material).AmbientColor);
         Assert.IsType<PbrMaterial>(First(Through(scene)).Material);
     }
 
@@ -377,7 +413,8 @@ public class GltfWriteTests
     public void Emission_above_1_needs_its_strength()
     {
         var scene = new Scene();
-        scene.RootNode.CreateChildNode("a", Square(), new PbrMaterial { EmissiveColor = new Vector3(4, 2, 0) });
+        scene.RootNode.CreateChildNode("a", Square(),
+            new PbrMaterial { EmissiveColor = new Vector3(4, 2, 0) });
         JsonNode material = DocumentOf(scene)["materials"]![0]!;
         Assert.Equal("[1,0.5,0]", material["emissiveFactor"]!.ToJsonString());
         Assert.Equal(4, material["extensions"]!["KHR_materials_emissive_strength"]!["emissiveStrength"]!.GetValue<double>());
@@ -388,14 +425,16 @@ public class GltfWriteTests
     {
         var scene = new Scene();
         Node node = scene.RootNode.CreateChildNode("n", Square());
-        node.Transform.SetPreRotation(90, 0, 0).SetEulerAngles(0, 0, 90).SetPostRotation(0, 45, 0).SetTranslation(1, 2, 3);
+        node.Transform.SetPreRotation(90, 0, 0).SetEulerAngles(0, 0, 90).SetPostRotation(0, 45,
+            0).SetTranslation(1, 2, 3);
         node.Transform.SetGeometricTranslation(0, 0, 5).SetGeometricScaling(2, 2, 2);
         node.CreateChildNode("child", Square());
         Scene after = Through(scene);
         Close.To(node.Transform.TransformMatrix, First(after).Transform.TransformMatrix);
         Node holder = First(after).ChildNodes.Single(n => n.Entity is not null && n.Name == "n");
         Close.To(node.EvaluateGlobalTransform(true), holder.EvaluateGlobalTransform(false));
-        Close.To(node.ChildNodes[0].EvaluateGlobalTransform(true), First(after).GetChild("child")!.EvaluateGlobalTransform(false));
+        Close.To(node.ChildNodes[0].EvaluateGlobalTransform(true),
+            First(after).GetChild("child")!.EvaluateGlobalTransform(false));
     }
 
     [Fact]
@@ -406,8 +445,10 @@ public class GltfWriteTests
         node.AddEntity(new Mesh("other") { ControlPoints = { new Vector4(1, 1, 1) } });
         node.AddEntity(new Camera("one"));
         node.AddEntity(new Camera("two"));
-        node.AddEntity(new Camera("turned") { Direction = new Vector3(0, 1, 0.5), Up = new Vector3(1, 0, 0) });
-        node.AddEntity(new Light("lamp", LightType.Spot) { Direction = new Vector3(1, 0, 0), HotSpot = 20, Falloff = 40 });
+        node.AddEntity(new Camera("turned") { Direction = new Vector3(0, 1, 0.5), Up =
+            new Vector3(1, 0, 0) });
+        node.AddEntity(new Light("lamp", LightType.Spot) { Direction = new Vector3(1, 0, 0), HotSpot = 20,
+            Falloff = 40 });
         node.AddEntity(new Skeleton("mark"));
         node.Transform.SetEulerAngles(0, 180, 0);
         foreach (Entity view in node.Entities)
@@ -430,7 +471,8 @@ public class GltfWriteTests
     public void Excluded_nodes_and_entities_are_left_out()
     {
         var scene = new Scene();
-        scene.RootNode.CreateChildNode("kept", new Mesh("m") { Excluded = true, ControlPoints = { new Vector4(1, 1, 1) } });
+        scene.RootNode.CreateChildNode("kept",
+            new Mesh("m") { Excluded = true, ControlPoints = { new Vector4(1, 1, 1) } });
         scene.RootNode.CreateChildNode("dropped").Excluded = true;
         Scene after = Through(scene);
         Assert.Equal(["kept"], after.RootNode.ChildNodes.Select(n => n.Name));
@@ -471,8 +513,11 @@ public class GltfWriteTests
         JsonNode attributes = document["meshes"]![0]!["primitives"]![0]!["attributes"]!;
         Assert.NotNull(attributes["JOINTS_1"]);
         Assert.Null(attributes["JOINTS_2"]);
-        Assert.Equal(5123, document["accessors"]![attributes["JOINTS_0"]!.GetValue<int>()]!["componentType"]!.GetValue<int>());
-        var after = (SkinDeformer)((Mesh)Through(scene).RootNode.GetChild("mesh")!.Entity!).Deformers.Single();
+        Assert.Equal(5123,
+            document["accessors"]![
+            attributes["JOINTS_0"]!.GetValue<int>()]!["componentType"]!.GetValue<int>());
+        var after = (SkinDeformer)(
+            (Mesh)Through(scene).RootNode.GetChild("mesh")!.Entity!).Deformers.Single();
         Assert.Equal(0.2, after.Bones[240].GetWeight(1), 6);
         Assert.Equal(1, after.Bones[299].GetWeight(0));
     }
@@ -502,7 +547,8 @@ public class GltfWriteTests
         mesh.Deformers.Add(morph);
         var scene = new Scene(mesh);
         AnimationClip clip = scene.CreateAnimationClip("clip");
-        KeyframeSequence keys = clip.CreateAnimationNode("a").GetKeyframeSequence(channel, "ChannelWeight", true)!;
+        KeyframeSequence keys =
+            clip.CreateAnimationNode("a").GetKeyframeSequence(channel, "ChannelWeight", true)!;
         keys.Add(0, 0);
         keys.Add(1, 100);
         Scene after = Through(scene);
@@ -510,7 +556,8 @@ public class GltfWriteTests
         Assert.Equal(0.25, back.Channels[0].ChannelWeight);
         Assert.Equal(new Vector4(1, 1, 9), back.Channels[0].Targets[0].ControlPoints[2]);
         Assert.Equal(new Vector4(0, 1, 0), back.Channels[0].Targets[0].ControlPoints[3]);
-        KeyframeSequence played = after.AnimationClips[0].Animations[0].BindPoints[0].GetKeyframeSequence("ChannelWeight")!;
+        KeyframeSequence played =
+            after.AnimationClips[0].Animations[0].BindPoints[0].GetKeyframeSequence("ChannelWeight")!;
         Assert.Equal([0f, 1f], played.KeyFrames.Select(k => k.Value));
         channel.Targets.Add(new Shape("between"));
         Assert.Contains("'c' has 2 shapes", Refusal(scene), StringComparison.Ordinal);
@@ -559,13 +606,16 @@ public class GltfWriteTests
     public void The_check_of_the_structure_finds_what_is_wrong()
     {
         using var folder = new TemporaryFolder();
-        new Scene(Square()).Save(folder.File("a.gltf"), new GltfSaveOptions(FileContentType.ASCII) { EmbedAssets = true });
+        new Scene(Square()).Save(folder.File("a.gltf"),
+            new GltfSaveOptions(FileContentType.ASCII) { EmbedAssets = true });
         string good = File.ReadAllText(folder.File("a.gltf"));
         (string From, string To)[] damages =
         [
-            ("\"mesh\":0", "\"mesh\":9"), ("\"count\":6", "\"count\":5"), ("\"count\":6", "\"count\":600"), ("\"max\":[1,", "\"max\":[2,"),
+            ("\"mesh\":0", "\"mesh\":9"), ("\"count\":6", "\"count\":5"), ("\"count\":6", "\"count\":600"),
+                ("\"max\":[1,", "\"max\":[2,"),
             ("\"version\":\"2.0\"", "\"version\":\"1.0\""), ("\"byteLength\":12", "\"byteLength\":0"),
-            ("\"nodes\":[0]", "\"nodes\":[7]"), ("\"nodes\":[0]", "\"nodes\":[]"), ("\"componentType\":5123", "\"componentType\":5126"),
+            ("\"nodes\":[0]", "\"nodes\":[7]"), ("\"nodes\":[0]", "\"nodes\":[]"),
+                ("\"componentType\":5123", "\"componentType\":5126"),
         ];
         Assert.Empty(Problems(good));
         foreach ((string from, string to) in damages)
@@ -575,6 +625,7 @@ public class GltfWriteTests
         }
 
         static List<string> Problems(string text) =>
-            GltfStructure.ProblemsOf(System.Text.Encoding.UTF8.GetBytes(text), _ => throw new InvalidOperationException());
+            GltfStructure.ProblemsOf(System.Text.Encoding.UTF8.GetBytes(text), _ =>
+                throw new InvalidOperationException());
     }
 }

@@ -12,8 +12,8 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Tests.Gltf;
 
 /// <summary>
-/// A scene as lines of text, all that a document can hold included, so that two scenes can be compared. Numbers are told
-/// with seven digits, the precision of the format.
+/// A scene as lines of text, all that a document can hold included, so that two scenes can be compared.
+/// Numbers are told with seven digits, the precision of the format.
 /// </summary>
 internal static class SceneDescription
 {
@@ -75,11 +75,13 @@ internal static class SceneDescription
             case Camera camera:
                 lines.Add(Text($"{camera.ProjectionType} {camera.FieldOfViewY:G6} {camera.AspectRatio:G6} {camera.OrthoHeight:G6}")
                     + Text($"{camera.Magnification.x} {camera.Magnification.y} {camera.NearPlane:G6} {camera.FarPlane:G6}")
-                    + Numbers(camera.Direction.x, camera.Direction.y, camera.Direction.z, camera.Up.x, camera.Up.y, camera.Up.z));
+                    + Numbers(camera.Direction.x, camera.Direction.y, camera.Direction.z, camera.Up.x,
+                        camera.Up.y, camera.Up.z));
                 break;
             case Light light:
                 lines.Add(Text($"{light.LightType} {light.Intensity:G6} {light.HotSpot:F3} {light.Falloff:F3}")
-                    + Numbers(light.Color.x, light.Color.y, light.Color.z, light.Direction.x, light.Direction.y, light.Direction.z));
+                    + Numbers(light.Color.x, light.Color.y, light.Color.z, light.Direction.x,
+                        light.Direction.y, light.Direction.z));
                 break;
         }
     }
@@ -130,7 +132,8 @@ internal static class SceneDescription
             Matrix4 inverseBind = bone.Transform.Concatenate(bone.BoneTransform.Inverse());
             var weights = new StringBuilder();
             for (int i = 0; i < geometry.ControlPoints.Count; i++)
-                weights.Append(' ').Append(Text($"{Math.Round(bone.GetWeight(i) / (sums[i] == 0 ? 1 : sums[i]), 5) + 0.0:F4}"));
+                weights.Append(' ').Append(
+                    Text($"{Math.Round(bone.GetWeight(i) / (sums[i] == 0 ? 1 : sums[i]), 5) + 0.0:F4}"));
             lines.Add($"bone '{bone.Name}' of '{bone.Node?.Name}' {Numbers(inverseBind.ToArray())}{weights}");
         }
     }
@@ -149,10 +152,14 @@ internal static class SceneDescription
     {
         string values = material switch
         {
-            PbrMaterial m => Text($"{Vector(m.Albedo)} {m.Transparency:F5} {m.MetallicFactor:F5} {m.RoughnessFactor:F5} {m.OcclusionFactor:F5} {Vector(m.EmissiveColor)}"),
-            PbrSpecularMaterial m => Text($"{Vector(m.Diffuse)} {m.Transparency:F5} {Vector(m.Specular)} {m.GlossinessFactor:F5} {Vector(m.EmissiveColor)}"),
-            PhongMaterial m => Text($"{Vector(m.DiffuseColor)} {Vector(m.AmbientColor)} {Vector(m.SpecularColor)} {m.Shininess:F5} {m.Transparency:F5}"),
-            LambertMaterial m => Text($"{Vector(m.DiffuseColor)} {Vector(m.AmbientColor)} {m.Transparency:F5}"),
+            PbrMaterial m => Text(
+                $"{Vector(m.Albedo)} {m.Transparency:F5} {m.MetallicFactor:F5} {m.RoughnessFactor:F5} {m.OcclusionFactor:F5} {Vector(m.EmissiveColor)}"),
+            PbrSpecularMaterial m => Text(
+                $"{Vector(m.Diffuse)} {m.Transparency:F5} {Vector(m.Specular)} {m.GlossinessFactor:F5} {Vector(m.EmissiveColor)}"),
+            PhongMaterial m => Text(
+                $"{Vector(m.DiffuseColor)} {Vector(m.AmbientColor)} {Vector(m.SpecularColor)} {m.Shininess:F5} {m.Transparency:F5}"),
+            LambertMaterial m =>
+                Text($"{Vector(m.DiffuseColor)} {Vector(m.AmbientColor)} {m.Transparency:F5}"),
             _ => "",
         };
         lines.Add($"{material.GetType().Name} '{material.Name}' {values}");
@@ -187,7 +194,8 @@ internal static class SceneDescription
                     foreach (KeyframeSequence sequence in channel.KeyframeSequences)
                     {
                         foreach (KeyFrame key in sequence.KeyFrames)
-                            keys.Append(Text($" {key.Time:G7}={key.Value:G7} {key.Interpolation} {key.OutTangent.y:G6} {key.NextInTangent.y:G6}"));
+                            keys.Append(Text(
+                                $" {key.Time:G7}={key.Value:G7} {key.Interpolation} {key.OutTangent.y:G6} {key.NextInTangent.y:G6}"));
                     }
                     lines.Add(keys.ToString());
                 }
@@ -252,7 +260,8 @@ internal static class SceneDescription
         foreach (double value in values)
         {
             double rounded = Math.Round(value, 5) + 0.0;
-            text.Append(CultureInfo.InvariantCulture, $"{(Math.Abs(rounded) > 10 ? (double)(float)value : rounded):G6} ");
+            text.Append(CultureInfo.InvariantCulture,
+                $"{(Math.Abs(rounded) > 10 ? (double)(float)value : rounded):G6} ");
         }
         return text.ToString();
     }
