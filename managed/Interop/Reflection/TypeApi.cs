@@ -206,7 +206,7 @@ internal static unsafe class TypeApi
             {
                 handles[i] = Handles.New(interfaces[i]);
             }
-            
+
             return 1;
         }
         catch (Exception e)
