@@ -1,6 +1,7 @@
 using System;
 using System.Collections.Generic;
 using Velbor.Voxlar.Formats.Gltf;
+using Velbor.Voxlar.Formats.Obj;
 using Velbor.Voxlar.Formats.Zip;
 
 namespace Velbor.Voxlar.Formats;
@@ -15,6 +16,7 @@ internal static class FormatRegistry
     {
         [FileFormat.GLTF2] = new(() => new GltfReader(), () => new GltfWriter()),
         [FileFormat.GLTF2_Binary] = new(() => new GltfReader(), () => new GltfWriter()),
+        [FileFormat.WavefrontOBJ] = new(() => new ObjReader(), null),
         [FileFormat.Zip] = new(() => new ZipReader(), null),
     };
 
