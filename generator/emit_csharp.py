@@ -103,8 +103,8 @@ _GENERIC_ENTRIES: dict[str, tuple[str, ...]] = {
     "IList": _LIST_ENTRIES,
     "List": ("SqLength", "Add", "Remove", "Clear", "SqContains", *_LIST_ENTRIES, "EnsureCapacity"),
     "Array": (
-        "SqLength", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek", "MpSetItems", "Reverse",
-        "Sort", "IndexBy", "CountOf",
+        "SqLength", "SqContains", "SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek", "MpSetItems",
+        "Reverse", "Sort", "IndexBy", "CountOf",
     ),
 }  # fmt: skip
 
@@ -265,7 +265,8 @@ class Forms:
         value = f"{name}Value"
         managed = self.types.of(ref)
         if ref.kind in _SCALARS:
-            return Argument((f"{managed} {name}", f"{managed}* {out}"), f"out {managed} {value}", (f"*{out} = {value};",))
+            native = (f"{managed} {name}", f"{managed}* {out}")
+            return Argument(native, f"out {managed} {value}", (f"*{out} = {value};",))
         make = "Struct" if ref.kind is Kind.STRUCT else "Class"
         return Argument(
             (f"VariantArg* {name}", f"void** {out}"),
@@ -309,11 +310,8 @@ class Forms:
             return Result("void", ("int* hasValue", "long* result"), "Out.NullableDateTime({call}, hasValue, result);")
         if ref.kind is Kind.STRUCT:
             return Result("void*", ("int* hasValue",), "return Out.NullableStruct({call}, hasValue);")
-        return Result(
-            "int",
-            ("int* hasValue",),
-            f"{managed}? value = {{call}};\n*hasValue = value.HasValue ? 1 : 0;\nreturn (int)value.GetValueOrDefault();",
-        )
+        statement = f"{managed}? value = {{call}};\n*hasValue = value.HasValue ? 1 : 0;\n"
+        return Result("int", ("int* hasValue",), statement + "return (int)value.GetValueOrDefault();")
 
 
 def entry(name: str, native: str, arguments: tuple[str, ...], body: str, failure: str | None = None) -> str:
@@ -401,7 +399,8 @@ class TypeClass:
         if overload.result.kind is Kind.VOID:
             lines += [f"{call};", *after]
         else:
-            lines += [f"{self.types.of(overload.result)} value = {call};", *after, result.statement.format(call="value")]
+            lines += [f"{self.types.of(overload.result)} value = {call};", *after]
+            lines.append(result.statement.format(call="value"))
         return entry(overload.entry, result.native, (*first, *arguments, "void** pins"), "\n".join(lines))
 
     def _arguments(self, overload: Overload) -> tuple[tuple[str, ...], list[str], list[str]]:
@@ -498,7 +497,11 @@ def enum_class(enum: EnumType, types: Types) -> str:
         "btp_TypeOf": (("void** result",), f"return Casts.TypeOf({managed}, result);", "0"),
         "btp_CastTo": (("VariantArg* value", f"{number}* result"), numbered("ToEnum", "value"), "-1"),
         "btp_ReInterpretObj": (("void* handle", f"{number}* result"), numbered("ReinterpretEnum", "handle"), "0"),
-        "btp_AsUniEnum": ((f"{number} value", "void** result"), f"return Casts.BoxEnum({managed}, value, result);", "0"),
+        "btp_AsUniEnum": (
+            (f"{number} value", "void** result"),
+            f"return Casts.BoxEnum({managed}, value, result);",
+            "0",
+        ),
         "btp_CastAs": (("void* handle", f"{number}* result"), numbered("AsEnum", "handle"), "-1"),
         "btp_IsAssignable": (("void* handle",), f"return Casts.IsEnum({managed}, handle);", "0"),
         "btp_GetType": ((f"{number} value", "void** result"), f"return Casts.TypeOf({managed}, result);", "0"),
@@ -510,7 +513,13 @@ def enum_class(enum: EnumType, types: Types) -> str:
 class GenericClass:
     """The entry points of one generic instantiation."""
 
-    INTERFACES = {"Iter": "IEnumerator", "Iterable": "IEnumerable", "ICol": "ICollection", "IList": "IList", "List": "List"}
+    INTERFACES = {
+        "Iter": "IEnumerator",
+        "Iterable": "IEnumerable",
+        "ICol": "ICollection",
+        "IList": "IList",
+        "List": "List",
+    }
 
     def __init__(self, kind: str, element: TypeRef, tag: str, types: Types) -> None:
         self.kind = kind
@@ -550,6 +559,8 @@ class GenericClass:
         view = f"({self.view})Handles.Get(self)"
         # The array or list class itself where the helper has a form for it; an interface costs more to go through.
         own = f"({self.managed if self.kind == 'Array' else self.view})Handles.Get(self)"
+        # What counts, finds, adds and removes.
+        counted = f"(ICollection<{self.t}>)Handles.Get(self)"
         value, (native,) = self.value.value, self.value.native
         index = "int index"
         result = f"{self.out} result"
@@ -557,11 +568,11 @@ class GenericClass:
         typed = f"<{self.t}>"
         simple: dict[str, tuple[str, tuple[str, ...], str]] = {
             "SqLength": ("int", (), f"return ({own}).{'Length' if self.kind == 'Array' else 'Count'};"),
-            "SqContains": ("int", (native,), f"return (({self._counted()})Handles.Get(self)).Contains({value}) ? 1 : 0;"),
+            "SqContains": ("int", (native,), f"return ({counted}).Contains({value}) ? 1 : 0;"),
             "CountOf": ("int", (native,), f"return Lists.CountOf{typed}({view}, {value});"),
-            "Add": ("void", (native,), f"(({self._counted()})Handles.Get(self)).Add({value});"),
-            "Remove": ("int", (native,), f"return (({self._counted()})Handles.Get(self)).Remove({value}) ? 1 : 0;"),
-            "Clear": ("void", (), f"(({self._counted()})Handles.Get(self)).Clear();"),
+            "Add": ("void", (native,), f"({counted}).Add({value});"),
+            "Remove": ("int", (native,), f"return ({counted}).Remove({value}) ? 1 : 0;"),
+            "Clear": ("void", (), f"({counted}).Clear();"),
             "SqGetItem": (
                 "int",
                 (index, result),
@@ -576,7 +587,11 @@ class GenericClass:
                 ("int hasIndex", index, result),
                 f"int status = Lists.Pop({view}, hasIndex, index, out {self.t} item);\n{taken}",
             ),
-            "SqInplaceConcat": ("int", ("VariantArg* source",), f"return Lists.Concat{typed}({view}, In.Reference(source));"),
+            "SqInplaceConcat": (
+                "int",
+                ("VariantArg* source",),
+                f"return Lists.Concat{typed}({view}, In.Reference(source));",
+            ),
             "SqInplaceRepeat": ("void", ("int count",), f"Lists.Repeat{typed}({view}, count);"),
             "MpSetItems": (
                 "int",
@@ -616,15 +631,15 @@ class GenericClass:
         native_result, arguments, body = simple[name]
         return entry(name, native_result, ("void* self", *arguments), body, "-1" if native_result == "int" else None)
 
-    def _counted(self) -> str:
-        """What counts, finds, adds and removes."""
-        return f"ICollection<{self.t}>"
-
     def _cast(self, name: str) -> str:
         given = "void* value" if self.kind in _CLASS_KINDS else "VariantArg* value"
         bodies = {
             "btp_TypeOf": (("void** result",), f"Casts.TypeOf(typeof({self.managed}), result)", "0"),
-            "btp_CastTo": (("VariantArg* value", "void** result"), f"Casts.ToReference<{self.managed}>(value, result)", "-1"),
+            "btp_CastTo": (
+                ("VariantArg* value", "void** result"),
+                f"Casts.ToReference<{self.managed}>(value, result)",
+                "-1",
+            ),
             "btp_ReInterpretObj": (
                 ("void* handle", "void** result"),
                 f"Casts.ReinterpretReference<{self.managed}>(handle, result)",
@@ -668,8 +683,8 @@ def callbacks(catalogue: Catalogue) -> str:
     lines.append(f"    public static void SetPyStaticCallbacks(void*** tables)\n    {{\n{fills}\n    }}\n")
     for pointer in ("void*", "void**"):
         lines.append(
-            f"    private static {pointer} Handed({pointer} given) => given != null\n"
-            '        ? given : throw new InvalidOperationException("The callbacks of Python have not been handed over.");\n'
+            f"    private static {pointer} Handed({pointer} given) => given != null ? given\n"
+            '        : throw new InvalidOperationException("The callbacks of Python have not been handed over.");\n'
         )
     body = "\n".join(lines).rstrip("\n")
     return (

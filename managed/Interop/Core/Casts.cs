@@ -5,8 +5,8 @@ using System.Reflection;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// The cast operations of every wrapped type. A status of 1 is success, 0 a cast that is refused, -1 one that ended in
-/// an exception; the entry points answer the last themselves.
+/// The cast operations of every wrapped type. A status of 1 is success, 0 a cast that is refused, -1 one that
+/// ended in an exception; the entry points answer the last themselves.
 /// </summary>
 internal static unsafe class Casts
 {
@@ -39,7 +39,9 @@ internal static unsafe class Casts
         return 1;
     }
 
-    /// <summary>An explicit cast to a struct, which may run a conversion operator; a null reference is refused.</summary>
+    /// <summary>
+    /// An explicit cast to a struct, which may run a conversion operator; a null reference is refused.
+    /// </summary>
     public static int ToStruct<T>(VariantArg* value, void** result)
         where T : struct
     {
@@ -83,8 +85,8 @@ internal static unsafe class Casts
     public static int IsInstance<T>(VariantArg* value) => In.Reference(value) is T ? 1 : 0;
 
     /// <summary>
-    /// The same where the caller gives either a handle or the address of a record. Handles are small numbers, and no
-    /// record lies that low.
+    /// The same where the caller gives either a handle or the address of a record. Handles are small numbers,
+    /// and no record lies that low.
     /// </summary>
     public static int IsInstanceOfEither<T>(void* handleOrRecord) =>
         (nuint)handleOrRecord <= int.MaxValue
@@ -130,7 +132,9 @@ internal static unsafe class Casts
         throw CannotReinterpret(Handles.Unwrap(handle) ?? throw NothingToReinterpret(), type);
     }
 
-    /// <summary>Casts a struct to a type that is known only now; the result is an object of that type.</summary>
+    /// <summary>
+    /// Casts a struct to a type that is known only now; the result is an object of that type.
+    /// </summary>
     public static int From<T>(void* handle, void* type, void** result)
         where T : struct
     {
@@ -146,8 +150,7 @@ internal static unsafe class Casts
     {
         object? source = In.Reference(value);
         *result = 0;
-        if (source == null || (source.GetType() != type && source is not (int or byte or short or long or uint or ulong or
-            ushort or sbyte or Enum)))
+        if (source == null || (source.GetType() != type && !IsWhole(source)))
         {
             return 0;
         }
@@ -198,6 +201,9 @@ internal static unsafe class Casts
         return cast == null ? 0 : 1;
     }
 
+    private static bool IsWhole(object value) =>
+        value is Enum or int or byte or short or long or uint or ulong or ushort or sbyte;
+
     private static int NumberOf(object member) => ((IConvertible)member).ToInt32(null);
 
     /// <summary>Runs the conversion operator that either type declares; null when there is none.</summary>
@@ -224,7 +230,9 @@ internal static unsafe class Casts
         return null;
     }
 
-    /// <summary>A pair of types; a class, so that the dictionary over it is one that the framework has precompiled.</summary>
+    /// <summary>
+    /// A pair of types; a class, so that the dictionary over it is one that the framework has precompiled.
+    /// </summary>
     private sealed record Conversion(Type From, Type To);
 
     private static InvalidCastException CannotReinterpret(object source, Type target) =>

@@ -3,8 +3,8 @@ using System;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// Python has one integer type and one real type, so an open-typed value may arrive in another numeric type than the
-/// collection holds. Such a number is converted when nothing is lost.
+/// Python has one integer type and one real type, so an open-typed value may arrive in another numeric type
+/// than the collection holds. Such a number is converted when nothing is lost.
 /// </summary>
 internal static class Coercion
 {
@@ -17,7 +17,8 @@ internal static class Coercion
         }
 
         return TryTo(type, value) ??
-            throw new InvalidCastException($"A '{type.FullName}' is wanted, a '{value.GetType().FullName}' is given.");
+            throw new InvalidCastException(
+                $"A '{type.FullName}' is wanted, a '{value.GetType().FullName}' is given.");
     }
 
     /// <summary>The number in another numeric type, null when it does not fit there.</summary>

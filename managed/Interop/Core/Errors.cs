@@ -5,7 +5,9 @@ using System.Text;
 
 namespace Velbor.WrpGen.Interop;
 
-/// <summary>A Python exception that ended a callback; the message is Python's own text of it, traceback included.</summary>
+/// <summary>
+/// A Python exception that ended a callback; the message is Python's own text of it, traceback included.
+/// </summary>
 internal sealed class PythonException : Exception
 {
     public PythonException(string message)
@@ -15,8 +17,8 @@ internal sealed class PythonException : Exception
 }
 
 /// <summary>
-/// A Python exception is pending and shall reach the caller as it is: the entry point only has to return. Used where a
-/// value of a result cannot be made, since nothing managed can act on that.
+/// A Python exception is pending and shall reach the caller as it is: the entry point only has to return.
+/// Used where a value of a result cannot be made, since nothing managed can act on that.
 /// </summary>
 internal sealed class PendingPythonException : Exception
 {
@@ -25,7 +27,9 @@ internal sealed class PendingPythonException : Exception
 /// <summary>Carries exceptions over the boundary, in both directions.</summary>
 internal static unsafe class Errors
 {
-    /// <summary>Turns a managed exception into the Python exception that the native caller finds pending.</summary>
+    /// <summary>
+    /// Turns a managed exception into the Python exception that the native caller finds pending.
+    /// </summary>
     [MethodImpl(MethodImplOptions.NoInlining)]
     public static void Report(Exception error)
     {
@@ -108,7 +112,9 @@ internal static unsafe class Errors
         Append(text, error, depth + 1);
     }
 
-    /// <summary>A Python string for a report; a text that Python cannot hold is mended, and null is allowed.</summary>
+    /// <summary>
+    /// A Python string for a report; a text that Python cannot hold is mended, and null is allowed.
+    /// </summary>
     private static PyObject* Text(string text)
     {
         string whole = Strings.Mend(text);

@@ -4,19 +4,20 @@ using System.Runtime.CompilerServices;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// Owns every managed object that a native wrapper holds. A handle is the index of a slot and never null; whoever got
-/// it frees it once. A struct stands in a slot as a <see cref="StructHolder{T}"/>, so that a setter changes it in
-/// place.
+/// Owns every managed object that a native wrapper holds. A handle is the index of a slot and never null;
+/// whoever got it frees it once. A struct stands in a slot as a <see cref="StructHolder{T}"/>, so that a
+/// setter changes it in place.
 /// </summary>
 /// <remarks>
-/// Entries run one at a time under Python's global lock, so nothing is locked here. Handles stay below 2^31: a native
-/// record's address never does, which lets an entry point that may get either tell them apart.
+/// Entries run one at a time under Python's global lock, so nothing is locked here. Handles stay below 2^31:
+/// a native record's address never does, which lets an entry point that may get either tell them apart.
 /// </remarks>
 internal static unsafe class Handles
 {
     private const int FirstCapacity = 1024;
 
-    // No initialisers: the first handle makes the table, so reading it needs no check of a static constructor.
+    // No initialisers: the first handle makes the table, so reading it needs no check of a static
+    // constructor.
     private static Slot[]? s_slots;
     private static int s_free;
     private static int s_living;
@@ -25,7 +26,9 @@ internal static unsafe class Handles
     /// <summary>How many handles are living. Tests compare it before and after.</summary>
     public static int Living => s_living;
 
-    /// <summary>How many times a handle was freed that was not living: a defect of the caller, harmless here.</summary>
+    /// <summary>
+    /// How many times a handle was freed that was not living: a defect of the caller, harmless here.
+    /// </summary>
     public static long RefusedFrees => s_refusedFrees;
 
     /// <summary>A new handle of the object; the caller owns it.</summary>

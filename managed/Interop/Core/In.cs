@@ -6,7 +6,9 @@ using System.Runtime.CompilerServices;
 
 namespace Velbor.WrpGen.Interop;
 
-/// <summary>Makes the managed argument from its native form. What a record borrows is read before the call ends.</summary>
+/// <summary>
+/// Makes the managed argument from its native form. What a record borrows is read before the call ends.
+/// </summary>
 internal static unsafe class In
 {
     /// <summary>The class object of a handle, null for `None`.</summary>
@@ -22,7 +24,9 @@ internal static unsafe class In
             { } other => throw Mismatch(typeof(T), other),
         };
 
-    /// <summary>The struct that a by-list parameter brings, or the cleared value when its list is empty.</summary>
+    /// <summary>
+    /// The struct that a by-list parameter brings, or the cleared value when its list is empty.
+    /// </summary>
     public static T StructOrDefault<T>(VariantArg* value)
         where T : struct => value->Payload == null ? default : Struct<T>(value);
 
@@ -104,7 +108,9 @@ internal static unsafe class In
         }
     }
 
-    /// <summary>A list interface: a managed list as it is, a proxy that keeps the Python list or sequence.</summary>
+    /// <summary>
+    /// A list interface: a managed list as it is, a proxy that keeps the Python list or sequence.
+    /// </summary>
     public static IList<T>? IList<T>(VariantArg* value, Element<T> element) => (ReferenceKind)value->Kind switch
     {
         ReferenceKind.Python => new PyListProxy<T>((PyObject*)value->Payload, element),
@@ -112,7 +118,9 @@ internal static unsafe class In
         _ => Interface<IList<T>>(value),
     };
 
-    /// <summary>A collection interface: a managed one as it is, or a proxy over a sized Python iterable.</summary>
+    /// <summary>
+    /// A collection interface: a managed one as it is, or a proxy over a sized Python iterable.
+    /// </summary>
     public static ICollection<T>? ICollection<T>(VariantArg* value, Element<T> element) =>
         (ReferenceKind)value->Kind switch
         {

@@ -4,7 +4,9 @@ using System.IO;
 
 namespace Velbor.WrpGen.Interop;
 
-/// <summary>Makes the native form of a managed result. Every handle that leaves is a new one that the caller owns.</summary>
+/// <summary>
+/// Makes the native form of a managed result. Every handle that leaves is a new one that the caller owns.
+/// </summary>
 internal static unsafe class Out
 {
     /// <summary>A handle of the object, null for a null reference.</summary>
@@ -61,14 +63,16 @@ internal static unsafe class Out
     }
 
     /// <summary>A collection behind an interface; a Python object that came in goes back as itself.</summary>
-    public static void Collection(object? value, PyCollectionArg* result) => Abstract(value, result, isDeclaredType: true);
+    public static void Collection(object? value, PyCollectionArg* result) =>
+        Abstract(value, result, isDeclaredType: true);
 
     /// <summary>A list; a class derived from it asks for its own wrapper.</summary>
     public static void List<T>(List<T>? value, PyCollectionArg* result) =>
         Abstract(value, result, value == null || value.GetType() == typeof(List<T>));
 
     /// <summary>A stream; a Python file object that came in goes back as itself.</summary>
-    public static void Stream(Stream? value, PyCollectionArg* result) => Abstract(value, result, isDeclaredType: true);
+    public static void Stream(Stream? value, PyCollectionArg* result) =>
+        Abstract(value, result, isDeclaredType: true);
 
     /// <summary>A version, component by component.</summary>
     public static void Version(Version? value, PySysVersionArg* result)

@@ -5,8 +5,8 @@ using System.Threading;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// Which threads may call Python: those that came from Python. They hold its global lock for the length of the entry;
-/// a thread that managed code started, or the finalizer's, never does.
+/// Which threads may call Python: those that came from Python. They hold its global lock for the length of
+/// the entry; a thread that managed code started, or the finalizer's, never does.
 /// </summary>
 internal static class PythonThread
 {
@@ -14,7 +14,9 @@ internal static class PythonThread
     private static int s_last;
     private static ThreadLocal<object?>? s_marks;
 
-    /// <summary>Marks the calling thread as one of Python's, and gives back what finalizers have queued.</summary>
+    /// <summary>
+    /// Marks the calling thread as one of Python's, and gives back what finalizers have queued.
+    /// </summary>
     public static void Enter()
     {
         int current = Environment.CurrentManagedThreadId;
@@ -49,8 +51,8 @@ internal static class PythonThread
 }
 
 /// <summary>
-/// Python references whose managed proxies are gone. Finalizers run on a thread that must not touch Python, so they
-/// only queue; the next entry gives the references back under the global lock.
+/// Python references whose managed proxies are gone. Finalizers run on a thread that must not touch Python,
+/// so they only queue; the next entry gives the references back under the global lock.
 /// </summary>
 internal static unsafe class PendingReleases
 {
@@ -75,7 +77,9 @@ internal static unsafe class PendingReleases
         }
     }
 
-    /// <summary>Gives the queued references back. Dropping one may run Python code that enters again.</summary>
+    /// <summary>
+    /// Gives the queued references back. Dropping one may run Python code that enters again.
+    /// </summary>
     public static void Drain()
     {
         Waiting? waiting;

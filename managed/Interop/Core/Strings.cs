@@ -25,7 +25,9 @@ internal static unsafe class Strings
             };
     }
 
-    /// <summary>A new Python string, `None` for null; null with the Python error pending when it cannot be made.</summary>
+    /// <summary>
+    /// A new Python string, `None` for null; null with the Python error pending when it cannot be made.
+    /// </summary>
     public static PyObject* Write(string? text)
     {
         if (text == null)
@@ -39,7 +41,9 @@ internal static unsafe class Strings
         }
     }
 
-    /// <summary>The text with each unpaired surrogate replaced, which Python's decoder would refuse.</summary>
+    /// <summary>
+    /// The text with each unpaired surrogate replaced, which Python's decoder would refuse.
+    /// </summary>
     public static string Mend(string text)
     {
         for (int at = 0; at < text.Length; at++)
@@ -77,7 +81,8 @@ internal static unsafe class Strings
             }
         }
 
-        // Filled in place before anybody else sees it; a helper with a delegate would have to wait for the JIT.
+        // Filled in place before anybody else sees it; a helper with a delegate would have to wait for the
+        // JIT.
         string text = new('\0', units);
         fixed (char* chars = text)
         {

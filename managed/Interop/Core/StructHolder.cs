@@ -25,7 +25,8 @@ internal sealed class StructHolder<T> : StructHolder
 
     public override object Box() => Value;
 
-    public override bool Equals(object? other) => Value.Equals(other is StructHolder holder ? holder.Box() : other);
+    public override bool Equals(object? other) =>
+        Value.Equals(other is StructHolder holder ? holder.Box() : other);
 
     public override int GetHashCode() => Value.GetHashCode();
 

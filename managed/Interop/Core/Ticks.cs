@@ -2,7 +2,9 @@ using System;
 
 namespace Velbor.WrpGen.Interop;
 
-/// <summary>The wire forms of date and time: ticks of 100 ns, the kind of a date and time in the two top bits.</summary>
+/// <summary>
+/// The wire forms of date and time: ticks of 100 ns, the kind of a date and time in the two top bits.
+/// </summary>
 internal static unsafe class Ticks
 {
     private const int KindShift = 62;

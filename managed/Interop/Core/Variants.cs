@@ -4,7 +4,9 @@ using System.Runtime.CompilerServices;
 
 namespace Velbor.WrpGen.Interop;
 
-/// <summary>Values of open type: a Python object read by its kind, and a managed object made into a Python one.</summary>
+/// <summary>
+/// Values of open type: a Python object read by its kind, and a managed object made into a Python one.
+/// </summary>
 internal static unsafe class Variants
 {
     /// <summary>The managed value of a record in its value form.</summary>
@@ -55,8 +57,8 @@ internal static unsafe class Variants
     }
 
     /// <summary>
-    /// A new Python object for the value; null with the Python error pending when it cannot be made. A value that
-    /// Python has no form and no wrapper for becomes its text.
+    /// A new Python object for the value; null with the Python error pending when it cannot be made. A value
+    /// that Python has no form and no wrapper for becomes its text.
     /// </summary>
     public static PyObject* Write(object? value)
     {
@@ -71,8 +73,8 @@ internal static unsafe class Variants
                 return Strings.Write(text);
             case Enum member:
                 return WriteEnum(member);
-            case IConvertible and (bool or char or sbyte or byte or short or ushort or int or uint or long or ulong or
-                float or double or decimal or DateTime):
+            case bool or char or DateTime or sbyte or byte or short or ushort or int or uint or long or ulong:
+            case float or double or decimal:
                 return WriteScalar(value);
             case TimeSpan span:
                 return PyCallbacks.fn_write_py_datetimedelta(span.Ticks);
@@ -118,7 +120,9 @@ internal static unsafe class Variants
     private static PyObject* WriteEnum(Enum member) =>
         WriteScalar(((IConvertible)member).ToType(Enum.GetUnderlyingType(member.GetType()), null));
 
-    /// <summary>A wrapper of the object's own type if there is one, else a list wrapper, else the text.</summary>
+    /// <summary>
+    /// A wrapper of the object's own type if there is one, else a list wrapper, else the text.
+    /// </summary>
     private static PyObject* WriteWrapped(object value)
     {
         PyObject* wrapper = null;
@@ -182,7 +186,9 @@ internal static unsafe class Variants
         };
     }
 
-    /// <summary>Borrows the exporter's buffer through memory of our own, since its record is Python's.</summary>
+    /// <summary>
+    /// Borrows the exporter's buffer through memory of our own, since its record is Python's.
+    /// </summary>
     private static byte[] ReadBuffer(PyObject* python)
     {
         int size = checked((int)PyCallbacks.fn_get_sizeof_py_byffer());

@@ -7,8 +7,8 @@ namespace Velbor.WrpGen.Interop;
 internal static unsafe class ExchangeHost
 {
     /// <summary>
-    /// The name under which the object's type is known to the native side, as a native text that the caller frees. An
-    /// internal class goes by the nearest public one that it derives from.
+    /// The name under which the object's type is known to the native side, as a native text that the caller
+    /// frees. An internal class goes by the nearest public one that it derives from.
     /// </summary>
     [UnmanagedCallersOnly]
     public static void** GetTypeName(void* handle)
@@ -68,7 +68,9 @@ internal static unsafe class ExchangeHost
         }
     }
 
-    /// <summary>Ends a handle, of an object or of a struct. It runs from deallocation, so it never fails.</summary>
+    /// <summary>
+    /// Ends a handle, of an object or of a struct. It runs from deallocation, so it never fails.
+    /// </summary>
     [UnmanagedCallersOnly]
     public static void FreeInstance(void* handle)
     {
@@ -117,7 +119,9 @@ internal static class TypeNames
     }
 }
 
-/// <summary>Entry points for whoever watches over the process: tests, and the hook that runs when Python ends.</summary>
+/// <summary>
+/// Entry points for whoever watches over the process: tests, and the hook that runs when Python ends.
+/// </summary>
 internal static unsafe class Lifetime
 {
     /// <summary>How many handles are living.</summary>

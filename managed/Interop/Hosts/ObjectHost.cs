@@ -4,8 +4,8 @@ using System.Runtime.InteropServices;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// What every object offers. The forms for structs do the same, since a holder answers for its struct; they exist
-/// because the native side binds both names.
+/// What every object offers. The forms for structs do the same, since a holder answers for its struct; they
+/// exist because the native side binds both names.
 /// </summary>
 internal static unsafe class ObjectHost
 {

@@ -5,8 +5,9 @@ using System.Collections.Generic;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// What Python does with a list, over any managed list. Indices arrive as Python wrote them unless told otherwise;
-/// statuses are those of the entry points: 0 done, 1 the list is empty, 2 the index is out of range.
+/// What Python does with a list, over any managed list. Indices arrive as Python wrote them unless told
+/// otherwise; statuses are those of the entry points: 0 done, 1 the list is empty, 2 the index is out of
+/// range.
 /// </summary>
 internal static class Lists
 {
@@ -75,10 +76,14 @@ internal static class Lists
         return Done;
     }
 
-    /// <summary>Inserts as Python does: a negative index counts from the end, one beyond an end means that end.</summary>
+    /// <summary>
+    /// Inserts as Python does: a negative index counts from the end, one beyond an end means that end.
+    /// </summary>
     public static void Insert<T>(IList<T> list, int index, T value) => list.Insert(Clamp(index, list.Count), value);
 
-    /// <summary>Takes out one element, the last without an index; a negative index counts from the end.</summary>
+    /// <summary>
+    /// Takes out one element, the last without an index; a negative index counts from the end.
+    /// </summary>
     public static int Pop<T>(IList<T> list, int hasIndex, int index, out T value)
     {
         value = default!;
@@ -99,7 +104,9 @@ internal static class Lists
         return Done;
     }
 
-    /// <summary>The first position of the value between start and stop, which count as Python's do; -1 for none.</summary>
+    /// <summary>
+    /// The first position of the value between start and stop, which count as Python's do; -1 for none.
+    /// </summary>
     public static int IndexBy<T>(IList<T> list, int hasStart, int start, int hasStop, int stop, T value)
     {
         int count = list.Count;
@@ -132,7 +139,9 @@ internal static class Lists
         return count;
     }
 
-    /// <summary>Adds all of another managed collection; 0 when the object is none of this element type.</summary>
+    /// <summary>
+    /// Adds all of another managed collection; 0 when the object is none of this element type.
+    /// </summary>
     public static int Concat<T>(ICollection<T> target, object? source)
     {
         if (Items<T>(source) is not { } items)
@@ -175,8 +184,8 @@ internal static class Lists
     }
 
     /// <summary>
-    /// Writes the elements of another managed list at start, start + step and so on; 0 when the object is none of this
-    /// element type or not of that size.
+    /// Writes the elements of another managed list at start, start + step and so on; 0 when the object is
+    /// none of this element type or not of that size.
     /// </summary>
     public static int SetItems<T>(IList<T> target, object? source, int start, int count, int step)
     {
@@ -251,7 +260,9 @@ internal static class Lists
         }
     }
 
-    /// <summary>Sorts by the elements' own order, and keeps equal ones in their order, as Python does.</summary>
+    /// <summary>
+    /// Sorts by the elements' own order, and keeps equal ones in their order, as Python does.
+    /// </summary>
     public static void Sort<T>(IList<T> list, bool reverse)
     {
         T[] items = [.. list];
@@ -283,7 +294,9 @@ internal static class Lists
         }
     }
 
-    /// <summary>The elements of another object if it is a collection of this element type, or of objects that are.</summary>
+    /// <summary>
+    /// The elements of another object if it is a collection of this element type, or of objects that are.
+    /// </summary>
     private static IEnumerable<T>? Items<T>(object? source) => source switch
     {
         IEnumerable<T> items => items,
@@ -312,8 +325,8 @@ internal static class Lists
 }
 
 /// <summary>
-/// A list without an element type as one of objects. Numbers that go in are converted to what the list holds, since
-/// Python's integers and reals arrive in the type that fits their value.
+/// A list without an element type as one of objects. Numbers that go in are converted to what the list holds,
+/// since Python's integers and reals arrive in the type that fits their value.
 /// </summary>
 internal sealed class UntypedList : IList<object?>
 {

@@ -7,7 +7,9 @@ namespace Velbor.WrpGen.Interop;
 /// <summary>What the entry points without an element type share.</summary>
 internal static unsafe class Untyped
 {
-    /// <summary>Gives an element to Python; the status is 0, or -1 when no Python object could be made of it.</summary>
+    /// <summary>
+    /// Gives an element to Python; the status is 0, or -1 when no Python object could be made of it.
+    /// </summary>
     public static int Give(object? value, PyObject** result)
     {
         *result = Out.Object(value);

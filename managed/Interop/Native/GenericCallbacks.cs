@@ -4,13 +4,15 @@ using System.Runtime.CompilerServices;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// The callbacks over one element type. A table is named by its place in the table of tables; values go by address,
-/// since their form differs from table to table. Each call sits in a helper of its own, so that callers with an
-/// exception block stay precompiled.
+/// The callbacks over one element type. A table is named by its place in the table of tables; values go by
+/// address, since their form differs from table to table. Each call sits in a helper of its own, so that
+/// callers with an exception block stay precompiled.
 /// </summary>
 internal static unsafe class GenericCallbacks
 {
-    /// <summary>Stands for "no such table": the element is then read through the open-typed callbacks.</summary>
+    /// <summary>
+    /// Stands for "no such table": the element is then read through the open-typed callbacks.
+    /// </summary>
     public const int None = -1;
 
     private static void*** s_tables;
@@ -50,8 +52,8 @@ internal static unsafe class GenericCallbacks
         ((delegate* unmanaged<PyObject*, void*, int>)Slot(table, 6))(list, element);
 
     [MethodImpl(MethodImplOptions.NoInlining)]
-    public static int SequenceGetItem(int table, PyObject* sequence, int index, PyObject** keeper, void* value) =>
-        ((delegate* unmanaged<PyObject*, int, PyObject**, void*, int>)Slot(table, 0))(sequence, index, keeper, value);
+    public static int SequenceGetItem(int table, PyObject* sequence, int index, PyObject** item, void* value) =>
+        ((delegate* unmanaged<PyObject*, int, PyObject**, void*, int>)Slot(table, 0))(sequence, index, item, value);
 
     [MethodImpl(MethodImplOptions.NoInlining)]
     public static int SequenceContains(int table, PyObject* sequence, void* element) =>

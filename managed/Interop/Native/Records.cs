@@ -8,8 +8,9 @@ internal struct PyObject
 }
 
 /// <summary>
-/// A tagged argument. Value form: an open-typed argument, the kind tells the Python type. Reference form: a managed
-/// handle or a Python object that an adapter stands for. The entry point knows from its signature which one it gets.
+/// A tagged argument. Value form: an open-typed argument, the kind tells the Python type. Reference form: a
+/// managed handle or a Python object that an adapter stands for. The entry point knows from its signature
+/// which one it gets.
 /// </summary>
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct VariantArg
@@ -67,7 +68,9 @@ internal unsafe struct PyStringArg
     public void* Chars;
 }
 
-/// <summary>A byte array argument that points into the exporter's buffer. A length of -1 is a null array.</summary>
+/// <summary>
+/// A byte array argument that points into the exporter's buffer. A length of -1 is a null array.
+/// </summary>
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct PyBytesArg
 {
@@ -77,8 +80,8 @@ internal unsafe struct PyBytesArg
 }
 
 /// <summary>
-/// A collection, stream or other result that may be a Python object coming back: kind 0 a reference, 1 a value whose
-/// run-time type matters, 2 a borrowed Python object.
+/// A collection, stream or other result that may be a Python object coming back: kind 0 a reference, 1 a
+/// value whose run-time type matters, 2 a borrowed Python object.
 /// </summary>
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct PyCollectionArg

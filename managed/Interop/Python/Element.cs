@@ -4,8 +4,9 @@ using System.Collections.Generic;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// How one element type goes between Python collections and managed ones. The element's own callback tables are used
-/// where there are some, the open-typed ones otherwise; either way each change is one of the Python object.
+/// How one element type goes between Python collections and managed ones. The element's own callback tables
+/// are used where there are some, the open-typed ones otherwise; either way each change is one of the Python
+/// object.
 /// </summary>
 internal abstract unsafe class Element<T>
 {
@@ -26,7 +27,9 @@ internal abstract unsafe class Element<T>
             case 0:
                 try
                 {
-                    value = _iterTable == GenericCallbacks.None ? FromValue((VariantArg*)&record) : FromRecord(&record);
+                    value = _iterTable == GenericCallbacks.None
+                        ? FromValue((VariantArg*)&record)
+                        : FromRecord(&record);
                     return true;
                 }
                 finally
@@ -50,7 +53,8 @@ internal abstract unsafe class Element<T>
     public virtual void SetItem(PyObject* list, int index, T value) =>
         Elements.CheckIndexed(PyCallbacks.fn_clbk_olist_set_item(list, index, Given(value)));
 
-    public virtual void Add(PyObject* list, T value) => Errors.Check(PyCallbacks.fn_clbk_olist_add(list, Given(value)));
+    public virtual void Add(PyObject* list, T value) =>
+        Errors.Check(PyCallbacks.fn_clbk_olist_add(list, Given(value)));
 
     public virtual void Insert(PyObject* list, int index, T value) =>
         Elements.CheckIndexed(PyCallbacks.fn_clbk_olist_insert(list, index, Given(value)));
@@ -132,7 +136,9 @@ internal struct Room
     public long Second;
 }
 
-/// <summary>An element that has no callbacks of its own: everything goes through the open-typed ones.</summary>
+/// <summary>
+/// An element that has no callbacks of its own: everything goes through the open-typed ones.
+/// </summary>
 internal class OpenElement<T> : Element<T>
 {
     public OpenElement()
@@ -200,7 +206,9 @@ internal abstract unsafe class TableElement<T> : Element<T>
     }
 }
 
-/// <summary>An element whose callbacks write, too: it goes in as a handle that the callback consumes.</summary>
+/// <summary>
+/// An element whose callbacks write, too: it goes in as a handle that the callback consumes.
+/// </summary>
 internal abstract unsafe class WritableElement<T> : TableElement<T>
 {
     protected WritableElement(int listTable, int sequenceTable, int iterTable)

@@ -4,14 +4,18 @@ using System.Collections.Generic;
 
 namespace Velbor.WrpGen.Interop;
 
-/// <summary>Something managed that stands for a Python object; as a result it goes back as that object.</summary>
+/// <summary>
+/// Something managed that stands for a Python object; as a result it goes back as that object.
+/// </summary>
 internal unsafe interface IPythonBacked
 {
     /// <summary>The Python object, borrowed.</summary>
     PyObject* Python { get; }
 }
 
-/// <summary>Owns one reference to a Python object; its finalizer queues the release for the next entry.</summary>
+/// <summary>
+/// Owns one reference to a Python object; its finalizer queues the release for the next entry.
+/// </summary>
 internal sealed unsafe class PyReference
 {
     private readonly PyObject* _python;
@@ -216,8 +220,11 @@ internal unsafe class PySequenceProxy<T> : PyCollectionProxy<T>, IList<T>, IList
 
     protected virtual void SetItem(int index, T item) => throw CannotChange();
 
-    /// <summary>A negative index means something else in Python, so it is refused before it gets there.</summary>
-    protected static int InRange(int index) => index >= 0 ? index : throw new ArgumentOutOfRangeException(nameof(index));
+    /// <summary>
+    /// A negative index means something else in Python, so it is refused before it gets there.
+    /// </summary>
+    protected static int InRange(int index) =>
+        index >= 0 ? index : throw new ArgumentOutOfRangeException(nameof(index));
 }
 
 /// <summary>A Python list: every change is a change of that list.</summary>

@@ -4,15 +4,17 @@ using System.IO;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// A Python file object as a stream. Data go straight between Python and the caller's memory, which stays in place for
-/// the length of the call. Disposing it closes the Python object; the finalizer only gives the reference back.
+/// A Python file object as a stream. Data go straight between Python and the caller's memory, which stays in
+/// place for the length of the call. Disposing it closes the Python object; the finalizer only gives the
+/// reference back.
 /// </summary>
 internal sealed unsafe class PyStream : Stream, IPythonBacked
 {
     private const int NotSeekable = -2;
     private const int Closed = -3;
 
-    // An object of its own: disposing a stream suppresses the stream's finalizer, and the reference must go all the same.
+    // An object of its own: disposing a stream suppresses the stream's finalizer, and the reference must go
+    // all the same.
     private readonly PyReference _reference;
     private bool _disposed;
 

@@ -15,7 +15,9 @@ internal abstract record ApiRow(Type Owner)
     protected const BindingFlags Public =
         BindingFlags.Public | BindingFlags.Instance | BindingFlags.Static | BindingFlags.FlattenHierarchy;
 
-    /// <summary>Whether a result of one type serves as one of another: a reference of a derived class does.</summary>
+    /// <summary>
+    /// Whether a result of one type serves as one of another: a reference of a derived class does.
+    /// </summary>
     protected static bool Serves(Type wanted, Type given) =>
         wanted == given || (!given.IsValueType && wanted.IsAssignableFrom(given));
 }
@@ -60,7 +62,8 @@ internal sealed record ApiMethod(Type Owner, string Name, bool IsStatic, Type Re
 }
 
 /// <summary>A property; on structs and for constants a field serves, too.</summary>
-internal sealed record ApiProperty(Type Owner, string Name, bool IsStatic, Type Type, bool Writable) : ApiRow(Owner)
+internal sealed record ApiProperty(Type Owner, string Name, bool IsStatic, Type Type, bool Writable)
+    : ApiRow(Owner)
 {
     public override string? Fault()
     {

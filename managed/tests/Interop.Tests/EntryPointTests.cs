@@ -10,7 +10,9 @@ using Xunit;
 
 namespace WrpInterop.Tests;
 
-/// <summary>Every entry point that the native half binds is there, in the form in which it is called.</summary>
+/// <summary>
+/// Every entry point that the native half binds is there, in the form in which it is called.
+/// </summary>
 public class EntryPointTests
 {
     private static readonly Assembly s_interop = typeof(Handles).Assembly;
@@ -101,7 +103,8 @@ public class EntryPointTests
             return "no such entry point";
         }
 
-        string told = string.Join(", ", entry.GetProperty("arguments").EnumerateArray().Select(a => Form(a.GetString()!)));
+        JsonElement.ArrayEnumerator arguments = entry.GetProperty("arguments").EnumerateArray();
+        string told = string.Join(", ", arguments.Select(argument => Form(argument.GetString()!)));
         string made = string.Join(", ", method.GetParameters().Select(parameter => Form(parameter.ParameterType)));
         if (told != made)
         {

@@ -30,8 +30,8 @@ internal sealed class PyError(string type, string message) : Exception(message)
 }
 
 /// <summary>
-/// Stands for Python: objects with reference counts, one pending error, and functions in the tables that the interop
-/// layer reads by position. A list is a <see cref="List{T}"/> of plain values.
+/// Stands for Python: objects with reference counts, one pending error, and functions in the tables that the
+/// interop layer reads by position. A list is a <see cref="List{T}"/> of plain values.
 /// </summary>
 internal static unsafe class FakePython
 {
@@ -200,11 +200,13 @@ internal static unsafe class FakePython
     {
         if (text.All(c => c < 256))
         {
-            *arg = new PyStringArg { Length = text.Length, CharSize = 1, Chars = Allocate([.. text.Select(c => (byte)c)]) };
+            void* chars = Allocate([.. text.Select(c => (byte)c)]);
+            *arg = new PyStringArg { Length = text.Length, CharSize = 1, Chars = chars };
         }
         else if (!text.Any(char.IsSurrogate))
         {
-            *arg = new PyStringArg { Length = text.Length, CharSize = 2, Chars = Allocate(MemoryMarshal.AsBytes(text.AsSpan())) };
+            void* chars = Allocate(MemoryMarshal.AsBytes(text.AsSpan()));
+            *arg = new PyStringArg { Length = text.Length, CharSize = 2, Chars = chars };
         }
         else
         {
@@ -226,7 +228,8 @@ internal static unsafe class FakePython
         public int References;
     }
 
-    // The functions, in the order of their tables ------------------------------------------------------------------
+    // The functions, in the order of their tables
+    // ------------------------------------------------------------------
 
     private static void Install()
     {
@@ -305,8 +308,8 @@ internal static unsafe class FakePython
         PyCallbacks.SetPyStaticCallbacks(
             (void***)Table(read, write, buffer, tpo, iter, ucol, olist, oseq, FakeFile.Table()));
 
-        // Places 8 and 20 of the generic tables: lists and sequences of doubles; 13 and 24: of strings; 10 and 22: of
-        // 32-bit integers.
+        // Places 8 and 20 of the generic tables: lists and sequences of doubles; 13 and 24: of strings; 10
+        // and 22: of 32-bit integers.
         void*** generic = (void***)NativeMemory.AllocZeroed(27, (nuint)sizeof(void*));
         generic[8] = Table((delegate* unmanaged<void*, int, double*, int>)&ListDouble);
         generic[20] = Table((delegate* unmanaged<void*, int, void**, double*, int>)&SequenceDouble);

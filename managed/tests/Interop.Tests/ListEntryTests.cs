@@ -7,7 +7,9 @@ using Xunit;
 
 namespace WrpInterop.Tests;
 
-/// <summary>The statuses and index rules of list entry points, without an element type and with one.</summary>
+/// <summary>
+/// The statuses and index rules of list entry points, without an element type and with one.
+/// </summary>
 public unsafe class ListEntryTests : InteropTest
 {
     [Fact]

@@ -11,7 +11,8 @@ namespace WrpInterop.Tests;
 
 public unsafe class ProxyTests : InteropTest
 {
-    private static VariantArg Python(object value, int kind = 2) => new() { Kind = kind, Payload = FakePython.Borrow(value) };
+    private static VariantArg Python(object value, int kind = 2) =>
+        new() { Kind = kind, Payload = FakePython.Borrow(value) };
 
     [Fact]
     public void A_list_is_read_and_changed_in_place()
