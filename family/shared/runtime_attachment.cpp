@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <exception>
@@ -60,14 +61,21 @@ bool fail(PyObject* type, const char* text) {
     return false;
 }
 
+// The process that loaded this module, which is another one in a forked child.
+const pid_t loading_process = getpid();
+
+// A wrap library that came with a fork holds the parent's runtime. A child that started its own never gets
+// here.
+const char* why_not_ready(const LoadedWrap& wrap) {
+    const bool is_forked = getpid() != loading_process;
+    return is_forked && !wrap.folder.empty() ? ManagedCodeNotAvailable : kNotStarted;
+}
+
 bool attach() {
-    if (fn_is_bridge_dead()) {
-        return fail(PyExc_RuntimeError, ManagedCodeNotAvailable);
-    }
     LoadedWrap wrap;
     dl_iterate_phdr(look_at_library, &wrap);
     if (wrap.folder.empty() || !is_domain_ready(wrap)) {
-        return fail(PyExc_RuntimeError, kNotStarted);
+        return fail(PyExc_RuntimeError, why_not_ready(wrap));
     }
     try {
         HostEnvironment::instance("3.1", wrap.is_debug, "velbor", "voxlar", wrap.folder.c_str(),
@@ -79,6 +87,7 @@ bool attach() {
     if (!exchange.initialize(kInteropAssembly)) {
         return fail(PyExc_TypeError, exchange.error_msg().c_str());
     }
+    fn_install_fork_guard();
     const ObjectHost& object_host = ObjectHost::get_instance();
     return !object_host.is_not_valid() || fail(PyExc_TypeError, object_host.error_msg().c_str());
 }

@@ -1,6 +1,5 @@
 #include "shared/sibling_module.h"
 
-#include "exchange/fork_guard.h"
 #include "startup/identifiers.h"
 #include "startup/py_ref.h"
 #include "startup/version.h"
@@ -20,8 +19,6 @@ bool add_object(PyObject* module, const char* name, PyRef object) {
 
 PyObject* fn_make_sibling_module(PyModuleDef& definition, const char* version_type_name) {
     fn_intern_identifiers();
-    // Before anything is bound: a child forked from here on knows that it is one.
-    fn_install_fork_guard();
     PyRef module = PyRef::steal(PyModule_Create(&definition));
     if (!module) {
         return nullptr;

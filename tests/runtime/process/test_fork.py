@@ -76,7 +76,7 @@ def test_a_child_that_ends_without_its_exit_handlers(run: Callable) -> None:
     assert forked(run, "os._exit(0)") == ""
 
 
-def test_a_child_that_imports_what_its_parent_had_not(run: Callable) -> None:
+def test_a_child_that_first_needs_what_its_parent_never_used(run: Callable) -> None:
     result = run(
         """
         import os, sys, velbor.voxlar
@@ -127,6 +127,28 @@ def test_a_fork_before_the_import_leaves_the_child_free(run: Callable) -> None:
         """
     )
     assert (result.returncode, result.stdout, result.stderr) == (0, "0 Type\n", "")
+
+
+def test_siblings_imported_before_the_fork_serve_a_child_with_a_runtime_of_its_own(run: Callable) -> None:
+    result = run(
+        """
+        import os, sys
+        from velbor import pygc, pyreflection
+        child = os.fork()
+        if child == 0:
+            try:
+                pygc.collect()
+            except RuntimeError as error:
+                print(error)
+            import velbor.voxlar
+            pygc.collect()
+            print(pyreflection.Type._type_of().name)
+            sys.exit(0)
+        print(os.waitpid(child, 0)[1])
+        """
+    )
+    assert (result.returncode, result.stderr) == (0, "")
+    assert result.stdout == "the .NET runtime is not started; import velbor.voxlar first\nType\n0\n"
 
 
 def test_multiprocessing_with_spawn(run: Callable, tmp_path) -> None:
