@@ -23,29 +23,29 @@ internal sealed class GltfAccessors
 
     private const int BudgetPerInputByte = 16;
 
-    private readonly GltfJson[] accessors;
-    private readonly GltfJson[] views;
-    private readonly GltfJson[] buffers;
-    private readonly Accessor?[] parsed;
-    private readonly ReadOnlyMemory<byte>?[] contents;
-    private readonly ReadOnlyMemory<byte>? binaryChunk;
-    private readonly ReadContext context;
-    private long budget = BaseBudget;
+    private readonly GltfJson[] _accessors;
+    private readonly GltfJson[] _views;
+    private readonly GltfJson[] _buffers;
+    private readonly Accessor?[] _parsed;
+    private readonly ReadOnlyMemory<byte>?[] _contents;
+    private readonly ReadOnlyMemory<byte>? _binaryChunk;
+    private readonly ReadContext _context;
+    private long _budget = BaseBudget;
 
     internal GltfAccessors(GltfJson root, ReadOnlyMemory<byte>? binaryChunk, ReadContext context)
     {
-        accessors = root.Objects("accessors");
-        views = root.Objects("bufferViews");
-        buffers = root.Objects("buffers");
-        parsed = new Accessor?[accessors.Length];
-        contents = new ReadOnlyMemory<byte>?[buffers.Length];
-        this.binaryChunk = binaryChunk;
-        this.context = context;
+        _accessors = root.Objects("accessors");
+        _views = root.Objects("bufferViews");
+        _buffers = root.Objects("buffers");
+        _parsed = new Accessor?[_accessors.Length];
+        _contents = new ReadOnlyMemory<byte>?[_buffers.Length];
+        _binaryChunk = binaryChunk;
+        _context = context;
     }
 
-    internal int Count => accessors.Length;
+    internal int Count => _accessors.Length;
 
-    internal int ViewCount => views.Length;
+    internal int ViewCount => _views.Length;
 
     private sealed record Accessor(GltfPlace Place, int Count, int ComponentType, int Columns, int Rows,
         bool Normalized,
@@ -139,7 +139,7 @@ internal sealed class GltfAccessors
     /// <summary>The bytes of a buffer view, as images use them.</summary>
     internal ReadOnlyMemory<byte> ReadView(int view) => View(view, out _);
 
-    private Accessor Get(int index) => parsed[index] ??= Parse(accessors[index]);
+    private Accessor Get(int index) => _parsed[index] ??= Parse(_accessors[index]);
 
     private Accessor Parse(GltfJson json)
     {
@@ -154,7 +154,7 @@ internal sealed class GltfAccessors
         long count = json.RequireCount("count");
         if (count == 0)
             throw place.Child("count").Fault("an accessor must have at least one element");
-        int view = json.Index("bufferView", views.Length, "buffer view");
+        int view = json.Index("bufferView", _views.Length, "buffer view");
         long offset = json.Count("byteOffset", 0);
         GltfJson? sparse = json.TryGetObject("sparse", out GltfJson found) ? found : null;
         if (view < 0 && count > MaximumZeroElements)
@@ -191,8 +191,8 @@ internal sealed class GltfAccessors
         where T : unmanaged
     {
         long total = (long)accessor.Count * accessor.Components;
-        budget -= total;
-        if (budget < 0)
+        _budget -= total;
+        if (_budget < 0)
             throw accessor.Place.Fault("the file describes far more data than it holds");
         var values = new T[total];
         if (accessor.View >= 0)
@@ -259,7 +259,7 @@ internal sealed class GltfAccessors
     private Accessor SparsePart(GltfJson json, int count, int componentType, int columns, int rows)
     {
         json.Require("bufferView");
-        int view = json.Index("bufferView", views.Length, "buffer view");
+        int view = json.Index("bufferView", _views.Length, "buffer view");
         var part = new Accessor(json.Place, count, componentType, columns, rows, false, view,
             json.Count("byteOffset", 0), null);
         ReadOnlyMemory<byte> bytes = View(view, out long stride);
@@ -280,9 +280,9 @@ internal sealed class GltfAccessors
 
     private ReadOnlyMemory<byte> View(int index, out long stride)
     {
-        GltfJson view = views[index];
+        GltfJson view = _views[index];
         view.Require("buffer");
-        int buffer = view.Index("buffer", buffers.Length, "buffer");
+        int buffer = view.Index("buffer", _buffers.Length, "buffer");
         long offset = view.Count("byteOffset", 0);
         long length = view.RequireCount("byteLength");
         stride = view.Count("byteStride", 0);
@@ -299,9 +299,9 @@ internal sealed class GltfAccessors
 
     private ReadOnlyMemory<byte> Buffer(int index)
     {
-        if (contents[index] is ReadOnlyMemory<byte> known)
+        if (_contents[index] is ReadOnlyMemory<byte> known)
             return known;
-        GltfJson buffer = buffers[index];
+        GltfJson buffer = _buffers[index];
         long length = buffer.RequireCount("byteLength");
         if (length > Array.MaxLength)
             throw buffer.Place.Child("byteLength").Fault(
@@ -310,8 +310,8 @@ internal sealed class GltfAccessors
         if (content.Length < length)
             throw buffer.Place.Fault($"the buffer tells {length} bytes, {content.Length} are there");
         content = content[..(int)length];
-        contents[index] = content;
-        budget += length * BudgetPerInputByte;
+        _contents[index] = content;
+        _budget += length * BudgetPerInputByte;
         return content;
     }
 
@@ -323,7 +323,7 @@ internal sealed class GltfAccessors
                 : GltfUri.IsData(uri.AsString());
             return isData ? GltfUri.DecodeData(uri, out _) : ReadFile(uri, length);
         }
-        if (index == 0 && binaryChunk is ReadOnlyMemory<byte> chunk)
+        if (index == 0 && _binaryChunk is ReadOnlyMemory<byte> chunk)
             return chunk;
         throw buffer.Place.Fault("the buffer has no URI, and there is no binary chunk for it");
     }
@@ -333,7 +333,7 @@ internal sealed class GltfAccessors
         string text = uri.AsString();
         if (GltfUri.HasScheme(text))
             throw uri.Place.Fault($"the buffer lies at '{text}'; only files beside the document are read");
-        using Stream file = context.OpenSideFile(GltfUri.ToFileName(text));
+        using Stream file = _context.OpenSideFile(GltfUri.ToFileName(text));
         if (file.CanSeek && file.Length < length)
             throw uri.Place.Fault($"the file '{text}' has {file.Length} bytes, the buffer tells {length}");
         if (file.CanSeek)
@@ -342,6 +342,6 @@ internal sealed class GltfAccessors
             file.ReadExactly(content);
             return content;
         }
-        return context.ReadAll(file);
+        return _context.ReadAll(file);
     }
 }

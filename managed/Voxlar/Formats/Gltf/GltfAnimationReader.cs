@@ -14,12 +14,12 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfAnimationReader
 {
-    private static readonly string[] componentNames = ["X", "Y", "Z", "W"];
+    private static readonly string[] ComponentNames = ["X", "Y", "Z", "W"];
 
-    private readonly GltfJson[] animations;
-    private readonly GltfAccessors accessors;
-    private readonly Node[] nodes;
-    private readonly Func<int, List<MorphTargetChannel[]>> morphsOf;
+    private readonly GltfJson[] _animations;
+    private readonly GltfAccessors _accessors;
+    private readonly Node[] _nodes;
+    private readonly Func<int, List<MorphTargetChannel[]>> _morphsOf;
 
     /// <param name="root">The document.</param>
     /// <param name="accessors">Its data.</param>
@@ -28,10 +28,10 @@ internal sealed class GltfAnimationReader
     internal GltfAnimationReader(GltfJson root, GltfAccessors accessors, Node[] nodes,
                                  Func<int, List<MorphTargetChannel[]>> morphsOf)
     {
-        animations = root.Objects("animations");
-        this.accessors = accessors;
-        this.nodes = nodes;
-        this.morphsOf = morphsOf;
+        _animations = root.Objects("animations");
+        _accessors = accessors;
+        _nodes = nodes;
+        _morphsOf = morphsOf;
     }
 
     private readonly record struct Sampler(GltfPlace Place, float[] Times, float[] Values,
@@ -42,7 +42,7 @@ internal sealed class GltfAnimationReader
 
     internal void ReadInto(Scene scene)
     {
-        foreach (GltfJson json in animations)
+        foreach (GltfJson json in _animations)
         {
             AnimationClip clip = scene.CreateAnimationClip(json.StringOrNull("name") ?? string.Empty);
             Read(json, clip);
@@ -64,14 +64,14 @@ internal sealed class GltfAnimationReader
             int index = channel.Index("sampler", samplers.Length, "sampler");
             if (!channel.TryGetObject("target", out GltfJson target))
                 throw channel.Place.Fault("the member \"target\" is missing");
-            int node = target.Index("node", nodes.Length, "node");
+            int node = target.Index("node", _nodes.Length, "node");
             string path = target.Require("path").AsString();
             // A channel without a node says nothing, unless an extension tells its target.
             if (node < 0)
                 continue;
             Sampler sampler = read[index] ??= ReadSampler(samplers[index]);
             if (!animationNodes.TryGetValue(node, out AnimationNode? animation))
-                animationNodes[node] = animation = clip.CreateAnimationNode(nodes[node].Name);
+                animationNodes[node] = animation = clip.CreateAnimationNode(_nodes[node].Name);
             Bind(animation, node, path, target.Place, sampler);
             start = Math.Min(start, sampler.Times[0]);
             stop = Math.Max(stop, sampler.Times[^1]);
@@ -87,8 +87,8 @@ internal sealed class GltfAnimationReader
     {
         json.Require("input");
         json.Require("output");
-        int input = json.Index("input", accessors.Count, "accessor");
-        int output = json.Index("output", accessors.Count, "accessor");
+        int input = json.Index("input", _accessors.Count, "accessor");
+        int output = json.Index("output", _accessors.Count, "accessor");
         string told = json.StringOrNull("interpolation") ?? "LINEAR";
         Interpolation interpolation = told switch
         {
@@ -97,18 +97,18 @@ internal sealed class GltfAnimationReader
             "CUBICSPLINE" => Interpolation.Bezier,
             _ => throw json.Place.Child("interpolation").Fault($"there is no interpolation \"{told}\""),
         };
-        float[] times = accessors.ReadFloats(input, 1, json.Place.Child("input"));
+        float[] times = _accessors.ReadFloats(input, 1, json.Place.Child("input"));
         for (int i = 1; i < times.Length; i++)
         {
             if (!(times[i] >= times[i - 1]))
                 throw json.Place.Child("input").Fault($"key {i} is earlier than the key before it");
         }
-        return new Sampler(json.Place, times, accessors.ReadFloats(output), interpolation);
+        return new Sampler(json.Place, times, _accessors.ReadFloats(output), interpolation);
     }
 
     private void Bind(AnimationNode animation, int node, string path, GltfPlace place, Sampler sampler)
     {
-        Transform transform = nodes[node].Transform;
+        Transform transform = _nodes[node].Transform;
         switch (path)
         {
             case "translation":
@@ -138,15 +138,15 @@ internal sealed class GltfAnimationReader
         BindPoint point = animation.GetBindPoint(transform, property, true)!;
         for (int component = 0; component < components; component++)
         {
-            var sequence = new KeyframeSequence(componentNames[component]);
+            var sequence = new KeyframeSequence(ComponentNames[component]);
             Fill(sequence, sampler, components, component);
-            point.BindKeyframeSequence(componentNames[component], sequence);
+            point.BindKeyframeSequence(ComponentNames[component], sequence);
         }
     }
 
     private void BindWeights(AnimationNode animation, int node, GltfPlace place, Sampler sampler)
     {
-        foreach (MorphTargetChannel[] channels in morphsOf(node))
+        foreach (MorphTargetChannel[] channels in _morphsOf(node))
         {
             RequireValues(sampler, channels.Length);
             for (int target = 0; target < channels.Length; target++)

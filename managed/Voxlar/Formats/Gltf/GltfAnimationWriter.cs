@@ -18,19 +18,19 @@ internal sealed class GltfAnimationWriter
     private const double SamplesPerSecond = 30;
     private const int MaximumSamples = 1 << 20;
 
-    private readonly GltfDocument document;
-    private readonly IReadOnlyDictionary<Transform, int> nodeOfTransform;
-    private readonly IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> placeOfMorph;
-    private readonly bool saveExtras;
+    private readonly GltfDocument _document;
+    private readonly IReadOnlyDictionary<Transform, int> _nodeOfTransform;
+    private readonly IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> _placeOfMorph;
+    private readonly bool _saveExtras;
 
     internal GltfAnimationWriter(GltfDocument document, IReadOnlyDictionary<Transform, int> nodeOfTransform,
                                  IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> placeOfMorph,
                                      bool saveExtras)
     {
-        this.document = document;
-        this.nodeOfTransform = nodeOfTransform;
-        this.placeOfMorph = placeOfMorph;
-        this.saveExtras = saveExtras;
+        _document = document;
+        _nodeOfTransform = nodeOfTransform;
+        _placeOfMorph = placeOfMorph;
+        _saveExtras = saveExtras;
     }
 
     /// <summary>One component of what is animated: a sequence, or the value it keeps without one.</summary>
@@ -55,10 +55,10 @@ internal sealed class GltfAnimationWriter
         foreach (BindPoint point in AllBindPoints(clip))
         {
             if (point.Property.Owner is Transform transform
-                && nodeOfTransform.TryGetValue(transform, out int node))
+                && _nodeOfTransform.TryGetValue(transform, out int node))
                 WriteTransform(point, transform, node);
             else if (point.Property.Owner is MorphTargetChannel morph
-                && placeOfMorph.TryGetValue(morph, out GltfMorphPlace? place))
+                && _placeOfMorph.TryGetValue(morph, out GltfMorphPlace? place))
                 CollectWeight(point, place);
         }
         foreach ((int node, Curve[] curves) in weights)
@@ -67,10 +67,10 @@ internal sealed class GltfAnimationWriter
             return;
         json["channels"] = channels;
         json["samplers"] = samplers;
-        if (saveExtras)
+        if (_saveExtras)
             GltfExtras.Write(json, clip);
-        GltfExtensionData.Write(document, json, clip);
-        document.Add("animations", json);
+        GltfExtensionData.Write(_document, json, clip);
+        _document.Add("animations", json);
 
         void WriteTransform(BindPoint point, Transform transform, int node)
         {
@@ -110,9 +110,9 @@ internal sealed class GltfAnimationWriter
             int components = path switch { "rotation" => 4, "weights" => 1, _ => 3 };
             samplers.Add((JsonNode)new JsonObject
             {
-                ["input"] = document.AddNumbers(data.Times, 1, true),
+                ["input"] = _document.AddNumbers(data.Times, 1, true),
                 ["interpolation"] = data.Interpolation,
-                ["output"] = document.AddNumbers(data.Values, components, false),
+                ["output"] = _document.AddNumbers(data.Values, components, false),
             });
             channels.Add((JsonNode)new JsonObject
             {

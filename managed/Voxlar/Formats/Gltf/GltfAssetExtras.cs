@@ -13,7 +13,7 @@ internal static class GltfAssetExtras
 {
     private sealed record Text(string Name, Func<AssetInfo, string?> Get, Action<AssetInfo, string> Set);
 
-    private static readonly Text[] texts =
+    private static readonly Text[] Texts =
     [
         new("title", a => a.Title, (a, v) => a.Title = v),
         new("subject", a => a.Subject, (a, v) => a.Subject = v),
@@ -40,7 +40,7 @@ internal static class GltfAssetExtras
         }
         foreach ((string name, GltfJson value) in extras.Members())
         {
-            Text? text = Array.Find(texts, item => item.Name == name);
+            Text? text = Array.Find(Texts, item => item.Name == name);
             if (text is not null && value.Element.ValueKind == JsonValueKind.String)
                 text.Set(info, value.AsString());
             else
@@ -51,7 +51,7 @@ internal static class GltfAssetExtras
     internal static void Write(JsonObject asset, AssetInfo info)
     {
         GltfExtras.Write(asset, info);
-        foreach (Text text in texts)
+        foreach (Text text in Texts)
         {
             if (text.Get(info) is not string value)
                 continue;

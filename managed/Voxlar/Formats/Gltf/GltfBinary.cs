@@ -9,7 +9,7 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfBinary
 {
-    private readonly List<ReadOnlyMemory<byte>> blocks = [];
+    private readonly List<ReadOnlyMemory<byte>> _blocks = [];
 
     internal long Length { get; private set; }
 
@@ -20,18 +20,18 @@ internal sealed class GltfBinary
         int gap = (int)(-Length & 3);
         if (gap > 0)
         {
-            blocks.Add(new byte[gap]);
+            _blocks.Add(new byte[gap]);
             Length += gap;
         }
         long offset = Length;
-        blocks.Add(block);
+        _blocks.Add(block);
         Length += block.Length;
         return offset;
     }
 
     internal void WriteTo(Stream target)
     {
-        foreach (ReadOnlyMemory<byte> block in blocks)
+        foreach (ReadOnlyMemory<byte> block in _blocks)
             target.Write(block.Span);
     }
 
@@ -39,7 +39,7 @@ internal sealed class GltfBinary
     {
         var all = new byte[Length];
         int position = 0;
-        foreach (ReadOnlyMemory<byte> block in blocks)
+        foreach (ReadOnlyMemory<byte> block in _blocks)
         {
             block.Span.CopyTo(all.AsSpan(position));
             position += block.Length;

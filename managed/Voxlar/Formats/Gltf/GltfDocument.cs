@@ -18,22 +18,22 @@ internal sealed class GltfDocument
     private const int ElementArrayBuffer = 34963;
 
     // The order in which the arrays stand in the file; empty ones are left out.
-    private static readonly string[] arrayNames =
+    private static readonly string[] ArrayNames =
     [
         "scenes", "nodes", "meshes", "skins", "animations", "cameras", "materials", "textures", "images",
         "samplers",
         "accessors", "bufferViews",
     ];
 
-    private readonly Dictionary<string, JsonArray> arrays = [];
-    private readonly Dictionary<DataKey, List<StoredBlock>> stored = [];
-    private readonly Dictionary<AccessorKey, int> accessorOf = [];
-    private readonly SortedSet<string> extensionsUsed = new(StringComparer.Ordinal);
+    private readonly Dictionary<string, JsonArray> _arrays = [];
+    private readonly Dictionary<DataKey, List<StoredBlock>> _stored = [];
+    private readonly Dictionary<AccessorKey, int> _accessorOf = [];
+    private readonly SortedSet<string> _extensionsUsed = new(StringComparer.Ordinal);
 
     internal GltfDocument()
     {
-        foreach (string name in arrayNames)
-            arrays[name] = [];
+        foreach (string name in ArrayNames)
+            _arrays[name] = [];
     }
 
     private readonly record struct DataKey(int Hash, int Length, int Stride, int Target);
@@ -52,19 +52,19 @@ internal sealed class GltfDocument
     /// <summary>The index of the scene to show first, or -1.</summary>
     internal int DefaultScene { get; set; } = -1;
 
-    internal int CountOf(string array) => arrays[array].Count;
+    internal int CountOf(string array) => _arrays[array].Count;
 
     /// <summary>Appends an object to one of the top-level arrays and gives its index.</summary>
     internal int Add(string array, JsonObject item)
     {
-        JsonArray items = arrays[array];
+        JsonArray items = _arrays[array];
         items.Add((JsonNode)item);
         return items.Count - 1;
     }
 
-    internal JsonObject Get(string array, int index) => (JsonObject)arrays[array][index]!;
+    internal JsonObject Get(string array, int index) => (JsonObject)_arrays[array][index]!;
 
-    internal void UseExtension(string name) => extensionsUsed.Add(name);
+    internal void UseExtension(string name) => _extensionsUsed.Add(name);
 
     /// <summary>Puts the content of an extension into an object of the document.</summary>
     internal void AddExtension(JsonObject owner, string name, JsonNode content)
@@ -141,8 +141,8 @@ internal sealed class GltfDocument
         var hash = default(HashCode);
         hash.AddBytes(bytes.Span);
         var key = new DataKey(hash.ToHashCode(), bytes.Length, stride, target);
-        if (!stored.TryGetValue(key, out List<StoredBlock>? blocks))
-            stored[key] = blocks = [];
+        if (!_stored.TryGetValue(key, out List<StoredBlock>? blocks))
+            _stored[key] = blocks = [];
         foreach (StoredBlock block in blocks)
         {
             if (block.Bytes.Span.SequenceEqual(bytes.Span))
@@ -165,7 +165,7 @@ internal sealed class GltfDocument
     private int AddAccessor(int view, int offset, int count, int componentType, int components, bool isIndex)
     {
         var key = new AccessorKey(view, offset, count, componentType, components, isIndex);
-        if (accessorOf.TryGetValue(key, out int known))
+        if (_accessorOf.TryGetValue(key, out int known))
             return known;
         var accessor = new JsonObject { ["bufferView"] = view };
         if (offset > 0)
@@ -173,7 +173,7 @@ internal sealed class GltfDocument
         accessor["componentType"] = componentType;
         accessor["count"] = count;
         accessor["type"] = GltfComponents.TypeOf(components);
-        return accessorOf[key] = Add("accessors", accessor);
+        return _accessorOf[key] = Add("accessors", accessor);
     }
 
     private void SetBounds(int accessor, ReadOnlySpan<float> values, int components)
@@ -217,10 +217,10 @@ internal sealed class GltfDocument
     internal byte[] ToUtf8(string? bufferUri, bool pretty)
     {
         var root = new JsonObject { ["asset"] = Asset };
-        if (extensionsUsed.Count > 0)
+        if (_extensionsUsed.Count > 0)
         {
             var names = new JsonArray();
-            foreach (string name in extensionsUsed)
+            foreach (string name in _extensionsUsed)
                 names.Add((JsonNode)name);
             root["extensionsUsed"] = names;
         }
@@ -228,10 +228,10 @@ internal sealed class GltfDocument
             root["extensions"] = Extensions;
         if (DefaultScene >= 0)
             root["scene"] = DefaultScene;
-        foreach (string name in arrayNames)
+        foreach (string name in ArrayNames)
         {
-            if (arrays[name].Count > 0)
-                root[name] = arrays[name];
+            if (_arrays[name].Count > 0)
+                root[name] = _arrays[name];
         }
         if (Binary.Length > 0)
         {

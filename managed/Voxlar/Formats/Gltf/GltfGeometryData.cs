@@ -17,29 +17,29 @@ internal sealed class GltfGeometryData
     // A stored normal may be this far from length 1 and is kept as it is; beyond that it is normalized.
     private const double LengthTolerance = 0.005;
 
-    private readonly Geometry geometry;
-    private readonly GltfDocument document;
-    private readonly GltfSaveOptions options;
-    private readonly WriteContext context;
-    private readonly List<(string Semantic, VertexElementVector4 Element)> elements = [];
-    private readonly GltfVertices vertices;
-    private readonly List<Attribute> attributes = [];
-    private readonly List<List<Attribute>> targets = [];
+    private readonly Geometry _geometry;
+    private readonly GltfDocument _document;
+    private readonly GltfSaveOptions _options;
+    private readonly WriteContext _context;
+    private readonly List<(string Semantic, VertexElementVector4 Element)> _elements = [];
+    private readonly GltfVertices _vertices;
+    private readonly List<Attribute> _attributes = [];
+    private readonly List<List<Attribute>> _targets = [];
 
     internal GltfGeometryData(Geometry geometry, GltfDocument document, GltfSaveOptions options,
         WriteContext context)
     {
-        this.geometry = geometry;
-        this.document = document;
-        this.options = options;
-        this.context = context;
+        _geometry = geometry;
+        _document = document;
+        _options = options;
+        _context = context;
         CheckPolygons();
         ChooseElements();
-        vertices = GltfVertices.Of(geometry,
-            elements.ConvertAll(static item => (VertexElement)item.Element).ToArray());
+        _vertices = GltfVertices.Of(geometry,
+            _elements.ConvertAll(static item => (VertexElement)item.Element).ToArray());
         Parts = MakeParts();
         AddPositions();
-        for (int i = 0; i < elements.Count; i++)
+        for (int i = 0; i < _elements.Count; i++)
             AddElement(i);
         AddFallbackNormals();
         AddUserData();
@@ -55,15 +55,15 @@ internal sealed class GltfGeometryData
 
     internal JsonObject ToPrimitive(GltfGeometryPart part)
     {
-        var json = new JsonObject { ["attributes"] = Accessors(attributes, part) };
+        var json = new JsonObject { ["attributes"] = Accessors(_attributes, part) };
         if (part.Indices is not null)
-            json["indices"] = document.AddIndices(part.Indices, part.Count);
+            json["indices"] = _document.AddIndices(part.Indices, part.Count);
         if (part.Mode != GltfPrimitive.Triangles)
             json["mode"] = part.Mode;
-        if (targets.Count == 0)
+        if (_targets.Count == 0)
             return json;
         var array = new JsonArray();
-        foreach (List<Attribute> target in targets)
+        foreach (List<Attribute> target in _targets)
             array.Add((JsonNode)Accessors(target, part));
         json["targets"] = array;
         return json;
@@ -76,9 +76,9 @@ internal sealed class GltfGeometryData
         {
             bool isPosition = attribute.Semantic == GltfPrimitive.Position;
             json[attribute.Semantic] = attribute.Floats is not null
-                ? document.AddAttribute(attribute.Floats, attribute.Components, part.First, part.Count,
+                ? _document.AddAttribute(attribute.Floats, attribute.Components, part.First, part.Count,
                     isPosition)
-                : document.AddVertexData(attribute.Bytes, attribute.Bytes!.Length / vertices.Count,
+                : _document.AddVertexData(attribute.Bytes, attribute.Bytes!.Length / _vertices.Count,
                     attribute.ComponentType,
                                          attribute.Components, part.First, part.Count);
         }
@@ -87,13 +87,13 @@ internal sealed class GltfGeometryData
 
     private void CheckPolygons()
     {
-        if (geometry is not Mesh mesh)
+        if (_geometry is not Mesh mesh)
             return;
         int count = mesh.ControlPointList.Count;
         foreach (int corner in mesh.PolygonStore.Corners)
         {
             if ((uint)corner >= (uint)count)
-                throw context.Error(
+                throw _context.Error(
                     $"a polygon of the mesh '{mesh.Name}' uses control point {corner}; the mesh has {count}");
         }
     }
@@ -101,7 +101,7 @@ internal sealed class GltfGeometryData
     private void ChooseElements()
     {
         var taken = new HashSet<string>(StringComparer.Ordinal);
-        foreach (VertexElement element in geometry.VertexElements)
+        foreach (VertexElement element in _geometry.VertexElements)
         {
             if (element is not VertexElementVector4 { ValueCount: > 0 } values
                 || element.MappingMode == MappingMode.Edge)
@@ -115,11 +115,11 @@ internal sealed class GltfGeometryData
                 _ => null,
             };
             if (semantic is not null && taken.Add(semantic))
-                elements.Add((semantic, values));
+                _elements.Add((semantic, values));
         }
         // Tangents mean nothing without normals.
-        if (!taken.Contains("NORMAL") && options.FallbackNormal is null)
-            elements.RemoveAll(static item => item.Semantic == "TANGENT");
+        if (!taken.Contains("NORMAL") && _options.FallbackNormal is null)
+            _elements.RemoveAll(static item => item.Semantic == "TANGENT");
         Renumber("TEXCOORD_");
         Renumber("COLOR_");
     }
@@ -141,15 +141,15 @@ internal sealed class GltfGeometryData
     private void Renumber(string prefix)
     {
         List<int> places = [];
-        for (int i = 0; i < elements.Count; i++)
+        for (int i = 0; i < _elements.Count; i++)
         {
-            if (elements[i].Semantic.StartsWith(prefix, StringComparison.Ordinal))
+            if (_elements[i].Semantic.StartsWith(prefix, StringComparison.Ordinal))
                 places.Add(i);
         }
-        places.Sort((a, b) => NumberOf(elements[a].Semantic).CompareTo(NumberOf(elements[b].Semantic)));
+        places.Sort((a, b) => NumberOf(_elements[a].Semantic).CompareTo(NumberOf(_elements[b].Semantic)));
         for (int number = 0; number < places.Count; number++)
-            elements[places[number]] =
-                (prefix + number.ToString(CultureInfo.InvariantCulture), elements[places[number]].Element);
+            _elements[places[number]] =
+                (prefix + number.ToString(CultureInfo.InvariantCulture), _elements[places[number]].Element);
 
         int NumberOf(string semantic) =>
             int.Parse(semantic.AsSpan(prefix.Length), CultureInfo.InvariantCulture);
@@ -157,8 +157,8 @@ internal sealed class GltfGeometryData
 
     private List<GltfGeometryPart> MakeParts()
     {
-        if (geometry is not Mesh { PolygonCount: > 0 } mesh)
-            return [new GltfGeometryPart(MaterialOfAll(), GltfPrimitive.Points, null, 0, vertices.Count)];
+        if (_geometry is not Mesh { PolygonCount: > 0 } mesh)
+            return [new GltfGeometryPart(MaterialOfAll(), GltfPrimitive.Points, null, 0, _vertices.Count)];
         var groups = new List<(int Material, int[] Indices)>();
         int[]? groupOfPolygon = GroupPolygons(mesh, groups);
         FillTriangles(mesh, groupOfPolygon, groups);
@@ -166,7 +166,7 @@ internal sealed class GltfGeometryData
     }
 
     private int MaterialOfAll() =>
-        geometry.GetElement(VertexElementType.Material) is VertexElementMaterial element
+        _geometry.GetElement(VertexElementType.Material) is VertexElementMaterial element
             ? element.MaterialOf(0) : 0;
 
     /// <summary>
@@ -212,7 +212,7 @@ internal sealed class GltfGeometryData
     private void FillTriangles(Mesh mesh, int[]? groupOfPolygon, List<(int Material, int[] Indices)> groups)
     {
         PolygonStore polygons = mesh.PolygonStore;
-        ReadOnlySpan<int> vertexOfCorner = vertices.Corners ?? polygons.Corners;
+        ReadOnlySpan<int> vertexOfCorner = _vertices.Corners ?? polygons.Corners;
         var points = new List<Vector3>();
         var places = new List<int>();
         var written = new int[groups.Count];
@@ -250,7 +250,7 @@ internal sealed class GltfGeometryData
     private List<GltfGeometryPart> Ranges(List<(int Material, int[] Indices)> groups)
     {
         var starts = new int[groups.Count + 1];
-        starts[^1] = vertices.Count;
+        starts[^1] = _vertices.Count;
         int end = -1;
         bool isOrdered = true;
         for (int i = 0; i < groups.Count && isOrdered; i++)
@@ -271,7 +271,7 @@ internal sealed class GltfGeometryData
         {
             (int material, int[] indices) = groups[i];
             int first = isOrdered ? starts[i] : 0;
-            int count = isOrdered ? starts[i + 1] - first : vertices.Count;
+            int count = isOrdered ? starts[i + 1] - first : _vertices.Count;
             for (int k = 0; k < indices.Length && first > 0; k++)
                 indices[k] -= first;
             parts.Add(new GltfGeometryPart(material, GltfPrimitive.Triangles, indices, first, count));
@@ -281,41 +281,41 @@ internal sealed class GltfGeometryData
 
     private void AddPositions()
     {
-        var floats = new float[vertices.Count * 3];
-        List<Vector4> points = geometry.ControlPointList;
-        for (int i = 0, k = 0; i < vertices.Count; i++)
+        var floats = new float[_vertices.Count * 3];
+        List<Vector4> points = _geometry.ControlPointList;
+        for (int i = 0, k = 0; i < _vertices.Count; i++)
         {
-            Vector4 point = points[vertices.ControlPointOf(i)];
+            Vector4 point = points[_vertices.ControlPointOf(i)];
             floats[k++] = Finite(point.x);
             floats[k++] = Finite(point.y);
             floats[k++] = Finite(point.z);
         }
-        attributes.Add(new Attribute(GltfPrimitive.Position, 3, floats, null, GltfComponents.Float));
+        _attributes.Add(new Attribute(GltfPrimitive.Position, 3, floats, null, GltfComponents.Float));
     }
 
     private float Finite(double value)
     {
         var narrow = (float)value;
         return float.IsFinite(narrow) ? narrow
-            : throw context.Error(
-                $"the geometry '{geometry.Name}' has the coordinate {value}, which single precision "
+            : throw _context.Error(
+                $"the geometry '{_geometry.Name}' has the coordinate {value}, which single precision "
                 + "cannot hold");
     }
 
     private void AddElement(int index)
     {
-        (string semantic, VertexElementVector4 element) = elements[index];
+        (string semantic, VertexElementVector4 element) = _elements[index];
         Func<int, Vector4> valueAt = vertex =>
         {
-            int place = vertices.ValueOf(index, vertex);
+            int place = _vertices.ValueOf(index, vertex);
             return place < 0 ? MissingValue(semantic) : element.DataList[place];
         };
-        attributes.Add(semantic switch
+        _attributes.Add(semantic switch
         {
             "NORMAL" => Floats(semantic, 3, vertex => Unit(valueAt(vertex), vertex)),
             "TANGENT" => Floats(semantic, 4, vertex => Tangent(valueAt(vertex))),
             _ when element is VertexElementUV =>
-                Floats(semantic, 2, options.FlipTexCoordV ? vertex => Flip(valueAt(vertex)) : valueAt),
+                Floats(semantic, 2, _options.FlipTexCoordV ? vertex => Flip(valueAt(vertex)) : valueAt),
             _ => Floats(semantic, 4, valueAt),
         });
     }
@@ -332,7 +332,7 @@ internal sealed class GltfGeometryData
             return value;
         if (length > 0 && double.IsFinite(length))
             return new Vector4(value.x / length, value.y / length, value.z / length, 0);
-        Vector3 instead = options.FallbackNormal ?? NormalAt(vertex);
+        Vector3 instead = _options.FallbackNormal ?? NormalAt(vertex);
         return new Vector4(instead.Normalize(), 0);
     }
 
@@ -341,18 +341,18 @@ internal sealed class GltfGeometryData
     /// </summary>
     private Vector3 NormalAt(int vertex)
     {
-        int controlPoint = vertices.ControlPointOf(vertex);
-        surfaceNormals ??= SurfaceNormals();
-        Vector3 normal = surfaceNormals[controlPoint];
+        int controlPoint = _vertices.ControlPointOf(vertex);
+        _surfaceNormals ??= SurfaceNormals();
+        Vector3 normal = _surfaceNormals[controlPoint];
         return normal.Length > 0 ? normal : Vector3.YAxis;
     }
 
-    private Vector3[]? surfaceNormals;
+    private Vector3[]? _surfaceNormals;
 
     private Vector3[] SurfaceNormals()
     {
-        var normals = new Vector3[geometry.ControlPointList.Count];
-        if (geometry is not Mesh mesh)
+        var normals = new Vector3[_geometry.ControlPointList.Count];
+        if (_geometry is not Mesh mesh)
             return normals;
         for (int i = 0; i < mesh.PolygonStore.Count; i++)
         {
@@ -386,8 +386,8 @@ internal sealed class GltfGeometryData
 
     private Attribute Floats(string semantic, int components, Func<int, Vector4> valueAt)
     {
-        var floats = new float[vertices.Count * components];
-        for (int i = 0, k = 0; i < vertices.Count; i++)
+        var floats = new float[_vertices.Count * components];
+        for (int i = 0, k = 0; i < _vertices.Count; i++)
         {
             Vector4 value = valueAt(i);
             floats[k++] = (float)value.x;
@@ -402,77 +402,77 @@ internal sealed class GltfGeometryData
 
     private void AddFallbackNormals()
     {
-        if (options.FallbackNormal is not Vector3 normal || geometry is not Mesh
-            || attributes.Exists(static a => a.Semantic == "NORMAL"))
+        if (_options.FallbackNormal is not Vector3 normal || _geometry is not Mesh
+            || _attributes.Exists(static a => a.Semantic == "NORMAL"))
             return;
         var unit = new Vector4(normal.Normalize(), 0);
-        attributes.Add(Floats("NORMAL", 3, _ => unit));
+        _attributes.Add(Floats("NORMAL", 3, _ => unit));
     }
 
     private void AddUserData()
     {
-        foreach (VertexElement element in geometry.VertexElements)
+        foreach (VertexElement element in _geometry.VertexElements)
         {
             bool isAttribute = element.Name.StartsWith('_') || GltfSkinReader.IsSkinAttribute(element.Name);
             if (!isAttribute || element is not VertexElementUserData { Data: Array data }
-                || attributes.Exists(a => a.Semantic == element.Name))
+                || _attributes.Exists(a => a.Semantic == element.Name))
                 continue;
-            int points = geometry.ControlPointList.Count;
+            int points = _geometry.ControlPointList.Count;
             int components = points == 0 ? 0 : data.Length / points;
             if (components is not (1 or 2 or 3 or 4 or 9 or 16) || components * points != data.Length)
-                throw context.Error(
-                    $"the user data '{element.Name}' of the geometry '{geometry.Name}' has {data.Length} "
+                throw _context.Error(
+                    $"the user data '{element.Name}' of the geometry '{_geometry.Name}' has {data.Length} "
                     + $"values for {points} control points");
-            if (GltfNumericData.Pack(data, components, vertices) is not { } packed)
-                throw context.Error(
-                    $"the user data '{element.Name}' of the geometry '{geometry.Name}' holds "
+            if (GltfNumericData.Pack(data, components, _vertices) is not { } packed)
+                throw _context.Error(
+                    $"the user data '{element.Name}' of the geometry '{_geometry.Name}' holds "
                     + $"{data.GetType().GetElementType()!.Name} values, which glTF has no form for");
-            attributes.Add(new Attribute(element.Name, components, packed.Floats, packed.Bytes,
+            _attributes.Add(new Attribute(element.Name, components, packed.Floats, packed.Bytes,
                 packed.ComponentType));
         }
     }
 
     private void AddSkin()
     {
-        SkinDeformer? skin = GltfSkinWriter.SkinOf(geometry, context);
+        SkinDeformer? skin = GltfSkinWriter.SkinOf(_geometry, _context);
         if (skin is null || skin.Bones.Count == 0)
             return;
-        attributes.RemoveAll(static attribute => GltfSkinReader.IsSkinAttribute(attribute.Semantic));
-        GltfInfluences influences = GltfInfluences.Of(skin, geometry.ControlPointList.Count);
+        _attributes.RemoveAll(static attribute => GltfSkinReader.IsSkinAttribute(attribute.Semantic));
+        GltfInfluences influences = GltfInfluences.Of(skin, _geometry.ControlPointList.Count);
         for (int set = 0; set < influences.SetCount; set++)
         {
             string number = set.ToString(CultureInfo.InvariantCulture);
-            byte[] joints = influences.Joints(set, vertices, out int componentType);
-            attributes.Add(new Attribute("JOINTS_" + number, 4, null, joints, componentType));
-            attributes.Add(new Attribute("WEIGHTS_" + number, 4, influences.Weights(set, vertices), null,
+            byte[] joints = influences.Joints(set, _vertices, out int componentType);
+            _attributes.Add(new Attribute("JOINTS_" + number, 4, null, joints, componentType));
+            _attributes.Add(new Attribute("WEIGHTS_" + number, 4, influences.Weights(set, _vertices), null,
                 GltfComponents.Float));
         }
     }
 
     private void AddMorphs()
     {
-        foreach (MorphTargetChannel channel in GltfMorphs.ChannelsOf(geometry))
+        foreach (MorphTargetChannel channel in GltfMorphs.ChannelsOf(_geometry))
         {
             var target = new List<Attribute>();
-            Shape? shape = GltfMorphs.ShapeOf(channel, context);
-            float[] moves = GltfMorphs.Differences(geometry.ControlPointList, shape?.ControlPointList, shape,
-                vertices, 1, context);
+            Shape? shape = GltfMorphs.ShapeOf(channel, _context);
+            float[] moves = GltfMorphs.Differences(_geometry.ControlPointList, shape?.ControlPointList, shape,
+                _vertices, 1, _context);
             target.Add(new Attribute(GltfPrimitive.Position, 3, moves, null, GltfComponents.Float));
-            for (int i = 0; i < elements.Count && shape is not null; i++)
+            for (int i = 0; i < _elements.Count && shape is not null; i++)
             {
-                (string semantic, VertexElementVector4 element) = elements[i];
+                (string semantic, VertexElementVector4 element) = _elements[i];
                 VertexElementVector4? moved = GltfMorphs.Counterpart(shape, element, semantic);
                 bool isPlain = element.MappingMode == MappingMode.ControlPoint
                     && element.ReferenceMode == ReferenceMode.Direct;
                 if (moved is null || !isPlain)
                     continue;
                 int components = element is VertexElementUV ? 2 : semantic is "NORMAL" or "TANGENT" ? 3 : 4;
-                float[] changes = GltfMorphs.Differences(element.DataList, moved.DataList, shape, vertices,
-                                                        element is VertexElementUV && options.FlipTexCoordV
-                                                            ? -1 : 1, context, components);
+                float[] changes = GltfMorphs.Differences(element.DataList, moved.DataList, shape, _vertices,
+                                                        element is VertexElementUV && _options.FlipTexCoordV
+                                                            ? -1 : 1, _context, components);
                 target.Add(new Attribute(semantic, components, changes, null, GltfComponents.Float));
             }
-            targets.Add(target);
+            _targets.Add(target);
         }
     }
 }

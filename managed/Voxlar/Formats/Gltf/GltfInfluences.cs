@@ -12,17 +12,17 @@ internal sealed class GltfInfluences
 {
     private const double SumTolerance = 2e-7;
 
-    private readonly int[] starts;
-    private readonly int[] bones;
-    private readonly float[] weights;
-    private readonly int boneCount;
+    private readonly int[] _starts;
+    private readonly int[] _bones;
+    private readonly float[] _weights;
+    private readonly int _boneCount;
 
     private GltfInfluences(int[] starts, int[] bones, float[] weights, int boneCount)
     {
-        this.starts = starts;
-        this.bones = bones;
-        this.weights = weights;
-        this.boneCount = boneCount;
+        _starts = starts;
+        _bones = bones;
+        _weights = weights;
+        _boneCount = boneCount;
     }
 
     internal int SetCount { get; private set; }
@@ -76,7 +76,7 @@ internal sealed class GltfInfluences
     /// <summary>The bones of a set, four for each vertex, in the smallest type that holds them.</summary>
     internal byte[] Joints(int set, GltfVertices vertices, out int componentType)
     {
-        bool isWide = boneCount > 256;
+        bool isWide = _boneCount > 256;
         componentType = isWide ? GltfComponents.UnsignedShort : GltfComponents.UnsignedByte;
         var bytes = new byte[vertices.Count * 4 * (isWide ? 2 : 1)];
         Span<ushort> wide = MemoryMarshal.Cast<byte, ushort>(bytes.AsSpan());
@@ -86,9 +86,9 @@ internal sealed class GltfInfluences
             for (int k = 0; k < count; k++)
             {
                 if (isWide)
-                    wide[vertex * 4 + k] = (ushort)bones[start + k];
+                    wide[vertex * 4 + k] = (ushort)_bones[start + k];
                 else
-                    bytes[vertex * 4 + k] = (byte)bones[start + k];
+                    bytes[vertex * 4 + k] = (byte)_bones[start + k];
             }
         }
         return bytes;
@@ -101,14 +101,14 @@ internal sealed class GltfInfluences
         for (int vertex = 0; vertex < vertices.Count; vertex++)
         {
             (int start, int count) = RangeOf(set, vertices.ControlPointOf(vertex));
-            weights.AsSpan(start, count).CopyTo(floats.AsSpan(vertex * 4));
+            _weights.AsSpan(start, count).CopyTo(floats.AsSpan(vertex * 4));
         }
         return floats;
     }
 
     private (int Start, int Count) RangeOf(int set, int controlPoint)
     {
-        int start = starts[controlPoint] + set * 4;
-        return (Math.Min(start, bones.Length), Math.Clamp(starts[controlPoint + 1] - start, 0, 4));
+        int start = _starts[controlPoint] + set * 4;
+        return (Math.Min(start, _bones.Length), Math.Clamp(_starts[controlPoint + 1] - start, 0, 4));
     }
 }

@@ -12,19 +12,19 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfPlace
 {
-    private readonly ReadContext context;
-    private readonly GltfPlace? parent;
-    private readonly string? key;
-    private readonly int index;
+    private readonly ReadContext _context;
+    private readonly GltfPlace? _parent;
+    private readonly string? _key;
+    private readonly int _index;
 
-    internal GltfPlace(ReadContext context) => this.context = context;
+    internal GltfPlace(ReadContext context) => _context = context;
 
     private GltfPlace(GltfPlace parent, string? key, int index)
     {
-        context = parent.context;
-        this.parent = parent;
-        this.key = key;
-        this.index = index;
+        _context = parent._context;
+        _parent = parent;
+        _key = key;
+        _index = index;
     }
 
     internal GltfPlace Child(string name) => new(this, name, 0);
@@ -35,17 +35,17 @@ internal sealed class GltfPlace
     internal ImportException Fault(string reason)
     {
         string path = ToString();
-        return context.Error(path.Length == 0 ? reason : $"{path}: {reason}");
+        return _context.Error(path.Length == 0 ? reason : $"{path}: {reason}");
     }
 
     public override string ToString()
     {
-        if (parent is null)
+        if (_parent is null)
             return string.Empty;
-        string head = parent.ToString();
-        if (key is null)
-            return head + "[" + index.ToString(CultureInfo.InvariantCulture) + "]";
-        return head.Length == 0 ? key : head + "." + key;
+        string head = _parent.ToString();
+        if (_key is null)
+            return head + "[" + _index.ToString(CultureInfo.InvariantCulture) + "]";
+        return head.Length == 0 ? _key : head + "." + _key;
     }
 }
 
@@ -59,19 +59,19 @@ internal readonly struct GltfJson
     /// </summary>
     private const int MaximumDepth = 96;
 
-    private readonly JsonElement element;
+    private readonly JsonElement _element;
 
     internal GltfJson(JsonElement element, GltfPlace place)
     {
-        this.element = element;
+        _element = element;
         Place = place;
     }
 
     internal GltfPlace Place { get; }
 
-    internal JsonElement Element => element;
+    internal JsonElement Element => _element;
 
-    internal bool IsObject => element.ValueKind == JsonValueKind.Object;
+    internal bool IsObject => _element.ValueKind == JsonValueKind.Object;
 
     /// <summary>Parses a whole document. Syntax errors name the line and the byte in it.</summary>
     /// <param name="context">For failure reports.</param>
@@ -108,7 +108,8 @@ internal readonly struct GltfJson
 
     internal bool TryGet(string name, out GltfJson value)
     {
-        if (element.ValueKind == JsonValueKind.Object && element.TryGetProperty(name, out JsonElement found))
+        if (_element.ValueKind == JsonValueKind.Object
+            && _element.TryGetProperty(name, out JsonElement found))
         {
             value = new GltfJson(found, Place.Child(name));
             return true;
@@ -125,7 +126,7 @@ internal readonly struct GltfJson
     {
         if (!TryGet(name, out value))
             return false;
-        if (value.element.ValueKind != JsonValueKind.Object)
+        if (value._element.ValueKind != JsonValueKind.Object)
             throw value.Place.Fault("an object is expected");
         return true;
     }
@@ -146,11 +147,11 @@ internal readonly struct GltfJson
 
     internal GltfJson[] Items()
     {
-        if (element.ValueKind != JsonValueKind.Array)
+        if (_element.ValueKind != JsonValueKind.Array)
             throw Place.Fault("an array is expected");
-        var items = new GltfJson[element.GetArrayLength()];
+        var items = new GltfJson[_element.GetArrayLength()];
         int position = 0;
-        foreach (JsonElement item in element.EnumerateArray())
+        foreach (JsonElement item in _element.EnumerateArray())
         {
             items[position] = new GltfJson(item, Place.Item(position));
             position++;
@@ -172,19 +173,19 @@ internal readonly struct GltfJson
 
     internal IEnumerable<(string Name, GltfJson Value)> Members()
     {
-        if (element.ValueKind != JsonValueKind.Object)
+        if (_element.ValueKind != JsonValueKind.Object)
             throw Place.Fault("an object is expected");
-        foreach (JsonProperty member in element.EnumerateObject())
+        foreach (JsonProperty member in _element.EnumerateObject())
             yield return (member.Name, new GltfJson(member.Value, Place.Child(member.Name)));
     }
 
     internal string AsString()
     {
-        if (element.ValueKind != JsonValueKind.String)
+        if (_element.ValueKind != JsonValueKind.String)
             throw Place.Fault("a string is expected");
         try
         {
-            return element.GetString()!;
+            return _element.GetString()!;
         }
         catch (InvalidOperationException)
         {
@@ -196,7 +197,7 @@ internal readonly struct GltfJson
 
     internal double AsDouble()
     {
-        if (element.ValueKind != JsonValueKind.Number || !element.TryGetDouble(out double number))
+        if (_element.ValueKind != JsonValueKind.Number || !_element.TryGetDouble(out double number))
             throw Place.Fault("a number is expected");
         if (!double.IsFinite(number))
             throw Place.Fault("the number is out of range");
@@ -210,7 +211,7 @@ internal readonly struct GltfJson
     {
         if (!TryGet(name, out GltfJson value))
             return otherwise;
-        return value.element.ValueKind switch
+        return value._element.ValueKind switch
         {
             JsonValueKind.True => true,
             JsonValueKind.False => false,
@@ -233,11 +234,11 @@ internal readonly struct GltfJson
     /// <summary>A whole number that is not negative. Some writers put 3.0 for 3; that is taken too.</summary>
     internal long AsCount()
     {
-        if (element.ValueKind == JsonValueKind.Number)
+        if (_element.ValueKind == JsonValueKind.Number)
         {
-            if (element.TryGetInt64(out long whole) && whole >= 0)
+            if (_element.TryGetInt64(out long whole) && whole >= 0)
                 return whole;
-            if (element.TryGetDouble(out double number) && number >= 0 && number < 9e15
+            if (_element.TryGetDouble(out double number) && number >= 0 && number < 9e15
                 && Math.Floor(number) == number)
                 return (long)number;
         }
@@ -252,10 +253,10 @@ internal readonly struct GltfJson
     /// <summary>An index into an array of the document, checked against the array's length.</summary>
     internal int AsIndex(int length, string what)
     {
-        long index = AsCount();
-        if (index >= length)
-            throw Place.Fault($"there is no {what} {index}; the file has {length}");
-        return (int)index;
+        long _index = AsCount();
+        if (_index >= length)
+            throw Place.Fault($"there is no {what} {_index}; the file has {length}");
+        return (int)_index;
     }
 
     /// <summary>The index that a member holds, or -1 where the member is absent.</summary>
@@ -266,13 +267,13 @@ internal readonly struct GltfJson
     internal bool TryGetRawString(out ReadOnlySpan<byte> raw)
     {
         raw = default;
-        if (element.ValueKind != JsonValueKind.String)
+        if (_element.ValueKind != JsonValueKind.String)
             return false;
-        ReadOnlySpan<byte> quoted = System.Runtime.InteropServices.JsonMarshal.GetRawUtf8Value(element);
+        ReadOnlySpan<byte> quoted = System.Runtime.InteropServices.JsonMarshal.GetRawUtf8Value(_element);
         raw = quoted[1..^1];
         return raw.IndexOf((byte)'\\') < 0;
     }
 
     public override string ToString() => Encoding.UTF8.GetString(
-        System.Runtime.InteropServices.JsonMarshal.GetRawUtf8Value(element));
+        System.Runtime.InteropServices.JsonMarshal.GetRawUtf8Value(_element));
 }

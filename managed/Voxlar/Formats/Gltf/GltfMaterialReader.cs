@@ -14,25 +14,25 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfMaterialReader
 {
-    private readonly GltfJson[] materials;
-    private readonly GltfTextureReader textures;
-    private readonly Material?[] made;
+    private readonly GltfJson[] _materials;
+    private readonly GltfTextureReader _textures;
+    private readonly Material?[] _made;
 
     internal GltfMaterialReader(GltfJson root, GltfTextureReader textures)
     {
-        materials = root.Objects("materials");
-        made = new Material?[materials.Length];
-        this.textures = textures;
+        _materials = root.Objects("materials");
+        _made = new Material?[_materials.Length];
+        _textures = textures;
     }
 
-    internal int Count => materials.Length;
+    internal int Count => _materials.Length;
 
     /// <summary>The material of a primitive that tells none: white, metallic and rough.</summary>
     internal Material Default { get; } = new PbrMaterial { MetallicFactor = 1, RoughnessFactor = 1 };
 
-    internal bool IsUsed(int index) => made[index] is not null;
+    internal bool IsUsed(int index) => _made[index] is not null;
 
-    internal Material Get(int index) => made[index] ??= Make(materials[index]);
+    internal Material Get(int index) => _made[index] ??= Make(_materials[index]);
 
     private Material Make(GltfJson json)
     {
@@ -71,16 +71,16 @@ internal sealed class GltfMaterialReader
             RoughnessFactor = metallic.IsObject ? metallic.Double("roughnessFactor", 1) : 1,
             EmissiveColor = ToVector(Factor(json, "emissiveFactor", [0, 0, 0])),
         };
-        if (textures.TryRead(metallic, "baseColorTexture", out Texture? albedo, out _))
+        if (_textures.TryRead(metallic, "baseColorTexture", out Texture? albedo, out _))
             material.AlbedoTexture = albedo;
-        if (textures.TryRead(metallic, "metallicRoughnessTexture", out Texture? roughness, out _))
+        if (_textures.TryRead(metallic, "metallicRoughnessTexture", out Texture? roughness, out _))
             material.MetallicRoughness = roughness;
-        if (textures.TryRead(json, "occlusionTexture", out Texture? occlusion, out GltfJson info))
+        if (_textures.TryRead(json, "occlusionTexture", out Texture? occlusion, out GltfJson info))
         {
             material.OcclusionTexture = occlusion;
             material.OcclusionFactor = info.Double("strength", 1);
         }
-        if (textures.TryRead(json, "emissiveTexture", out Texture? emissive, out _))
+        if (_textures.TryRead(json, "emissiveTexture", out Texture? emissive, out _))
             material.EmissiveTexture = emissive;
         return material;
     }
@@ -96,13 +96,13 @@ internal sealed class GltfMaterialReader
             GlossinessFactor = glossy.Double("glossinessFactor", 1),
             EmissiveColor = ToVector(Factor(json, "emissiveFactor", [0, 0, 0])),
         };
-        if (textures.TryRead(glossy, "diffuseTexture", out Texture? diffuseTexture, out _))
+        if (_textures.TryRead(glossy, "diffuseTexture", out Texture? diffuseTexture, out _))
             material.DiffuseTexture = diffuseTexture;
-        if (textures.TryRead(glossy, "specularGlossinessTexture", out Texture? specular, out _))
+        if (_textures.TryRead(glossy, "specularGlossinessTexture", out Texture? specular, out _))
             material.SpecularGlossinessTexture = specular;
-        if (textures.TryRead(json, "emissiveTexture", out Texture? emissive, out _))
+        if (_textures.TryRead(json, "emissiveTexture", out Texture? emissive, out _))
             material.EmissiveTexture = emissive;
-        if (textures.TryRead(json, "occlusionTexture", out Texture? occlusion, out _))
+        if (_textures.TryRead(json, "occlusionTexture", out Texture? occlusion, out _))
             material.SetTexture("Occlusion", occlusion);
         return material;
     }
@@ -132,13 +132,13 @@ internal sealed class GltfMaterialReader
 
     private void ReadSlot(GltfJson json, string name, Material material, string slot)
     {
-        if (textures.TryRead(json, name, out Texture? texture, out _))
+        if (_textures.TryRead(json, name, out Texture? texture, out _))
             material.SetTexture(slot, texture);
     }
 
     private void ReadCommonMembers(GltfJson json, Material material)
     {
-        if (textures.TryRead(json, "normalTexture", out Texture? normal, out GltfJson info))
+        if (_textures.TryRead(json, "normalTexture", out Texture? normal, out GltfJson info))
         {
             material.SetTexture(Material.MapNormal, normal);
             if (info.TryGet("scale", out GltfJson scale))
@@ -166,7 +166,7 @@ internal sealed class GltfMaterialReader
                 empty = false;
                 string property = name + "." + member;
                 if (IsTexture(value)
-                    && textures.TryRead(content, member, out Texture? texture, out GltfJson info))
+                    && _textures.TryRead(content, member, out Texture? texture, out GltfJson info))
                     ReadExtensionTexture(material, property, texture!, info);
                 else
                     material.SetProperty(property, GltfValues.FromJson(value.Element));

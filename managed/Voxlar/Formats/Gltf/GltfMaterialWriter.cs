@@ -12,26 +12,26 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfMaterialWriter
 {
-    private readonly GltfDocument document;
-    private readonly GltfTextureWriter textures;
-    private readonly GltfSaveOptions options;
-    private readonly WriteContext context;
-    private readonly Dictionary<Vector3, int> colors = [];
-    private readonly Dictionary<Material, int> written = new(ReferenceEqualityComparer.Instance);
+    private readonly GltfDocument _document;
+    private readonly GltfTextureWriter _textures;
+    private readonly GltfSaveOptions _options;
+    private readonly WriteContext _context;
+    private readonly Dictionary<Vector3, int> _colors = [];
+    private readonly Dictionary<Material, int> _written = new(ReferenceEqualityComparer.Instance);
 
     internal GltfMaterialWriter(GltfDocument document, GltfTextureWriter textures, GltfSaveOptions options,
         WriteContext context)
     {
-        this.context = context;
-        this.document = document;
-        this.textures = textures;
-        this.options = options;
+        _context = context;
+        _document = document;
+        _textures = textures;
+        _options = options;
     }
 
     internal int IndexOf(Material material)
     {
-        if (!written.TryGetValue(material, out int index))
-            written[material] = index = document.Add("materials", Write(material));
+        if (!_written.TryGetValue(material, out int index))
+            _written[material] = index = _document.Add("materials", Write(material));
         return index;
     }
 
@@ -40,14 +40,14 @@ internal sealed class GltfMaterialWriter
     /// </summary>
     internal int IndexOfColor(Vector3 color)
     {
-        if (colors.TryGetValue(color, out int index))
+        if (_colors.TryGetValue(color, out int index))
             return index;
         var json = new JsonObject
         {
             ["pbrMetallicRoughness"] = new JsonObject { ["baseColorFactor"] = Color(color) },
         };
-        document.AddExtension(json, "KHR_materials_unlit", new JsonObject());
-        return colors[color] = document.Add("materials", json);
+        _document.AddExtension(json, "KHR_materials_unlit", new JsonObject());
+        return _colors[color] = _document.Add("materials", json);
     }
 
     private JsonObject Write(Material material)
@@ -65,15 +65,15 @@ internal sealed class GltfMaterialWriter
                 break;
             case LambertMaterial lambert:
                 WriteMetallic(json, PbrMaterial.FromMaterial(lambert));
-                if (options.UseCommonMaterials)
-                    document.AddExtension(json, GltfNames.MaterialsCommon, Common(lambert));
+                if (_options.UseCommonMaterials)
+                    _document.AddExtension(json, GltfNames.MaterialsCommon, Common(lambert));
                 break;
             default:
-                throw context.Error($"glTF has no form for a {material.GetType().Name} ('{material.Name}')");
+                throw _context.Error($"glTF has no form for a {material.GetType().Name} ('{material.Name}')");
         }
         WriteCommonMembers(json, material);
         WriteExtensions(json, material);
-        if (options.SaveExtras)
+        if (_options.SaveExtras)
             GltfExtras.Write(json, material, HasOwnPlace);
         return json;
     }
@@ -102,7 +102,7 @@ internal sealed class GltfMaterialWriter
         {
             var content = new JsonObject();
             SetTexture(content, "specularColorTexture", specular);
-            document.AddExtension(json, GltfNames.MaterialsSpecular, content);
+            _document.AddExtension(json, GltfNames.MaterialsSpecular, content);
         }
     }
 
@@ -120,7 +120,7 @@ internal sealed class GltfMaterialWriter
         };
         SetTexture(content, "diffuseTexture", material.DiffuseTexture);
         SetTexture(content, "specularGlossinessTexture", material.SpecularGlossinessTexture);
-        document.AddExtension(json, GltfNames.SpecularGlossiness, content);
+        _document.AddExtension(json, GltfNames.SpecularGlossiness, content);
     }
 
     private JsonObject Common(LambertMaterial lambert)
@@ -159,7 +159,7 @@ internal sealed class GltfMaterialWriter
             if (strength > 1)
             {
                 var content = new JsonObject { ["emissiveStrength"] = GltfValues.Factor(strength) };
-                document.AddExtension(json, "KHR_materials_emissive_strength", content);
+                _document.AddExtension(json, "KHR_materials_emissive_strength", content);
             }
         }
         SetTexture(json, "emissiveTexture", texture);
@@ -214,7 +214,7 @@ internal sealed class GltfMaterialWriter
         if (json["extensions"] is JsonObject all && all[extension] is JsonObject content)
             return content;
         content = [];
-        document.AddExtension(json, extension, content);
+        _document.AddExtension(json, extension, content);
         return content;
     }
 
@@ -222,7 +222,7 @@ internal sealed class GltfMaterialWriter
     {
         if (texture is null)
             return null;
-        JsonObject info = textures.InfoOf(texture);
+        JsonObject info = _textures.InfoOf(texture);
         owner[name] = info;
         return info;
     }

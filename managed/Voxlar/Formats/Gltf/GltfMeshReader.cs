@@ -23,28 +23,28 @@ internal sealed record GltfMeshContent(List<Entity> Entities, List<Material> Mat
 /// </summary>
 internal sealed class GltfMeshReader
 {
-    private readonly GltfJson[] meshes;
-    private readonly GltfAccessors accessors;
-    private readonly GltfMaterialReader materials;
-    private readonly GltfSkinReader skins;
-    private readonly bool flipV;
-    private readonly Dictionary<(int Mesh, int Skin, string Weights), GltfMeshContent> made = [];
-    private readonly bool[] used;
+    private readonly GltfJson[] _meshes;
+    private readonly GltfAccessors _accessors;
+    private readonly GltfMaterialReader _materials;
+    private readonly GltfSkinReader _skins;
+    private readonly bool _flipV;
+    private readonly Dictionary<(int Mesh, int Skin, string Weights), GltfMeshContent> _made = [];
+    private readonly bool[] _used;
 
     internal GltfMeshReader(GltfJson root, GltfAccessors accessors, GltfMaterialReader materials,
         GltfSkinReader skins, bool flipV)
     {
-        meshes = root.Objects("meshes");
-        used = new bool[meshes.Length];
-        this.accessors = accessors;
-        this.materials = materials;
-        this.skins = skins;
-        this.flipV = flipV;
+        _meshes = root.Objects("meshes");
+        _used = new bool[_meshes.Length];
+        _accessors = accessors;
+        _materials = materials;
+        _skins = skins;
+        _flipV = flipV;
     }
 
-    internal int Count => meshes.Length;
+    internal int Count => _meshes.Length;
 
-    internal bool IsUsed(int mesh) => used[mesh];
+    internal bool IsUsed(int mesh) => _used[mesh];
 
     /// <summary>
     /// The content of a mesh. The same mesh with the same skin and weights gives the same entities.
@@ -56,16 +56,16 @@ internal sealed class GltfMeshReader
     {
         string weightsKey = weights is null ? string.Empty : string.Join(' ', Array.ConvertAll(
             weights, static weight => weight.ToString("R", CultureInfo.InvariantCulture)));
-        used[mesh] = true;
-        if (!made.TryGetValue((mesh, skin, weightsKey), out GltfMeshContent? content))
-            made[(mesh, skin, weightsKey)] = content = Make(meshes[mesh], skin, weights);
+        _used[mesh] = true;
+        if (!_made.TryGetValue((mesh, skin, weightsKey), out GltfMeshContent? content))
+            _made[(mesh, skin, weightsKey)] = content = Make(_meshes[mesh], skin, weights);
         return content;
     }
 
     private GltfMeshContent Make(GltfJson json, int skin, double[]? weights)
     {
         GltfPrimitive[] primitives = Array.ConvertAll(
-            json.Objects("primitives"), item => GltfPrimitive.Read(item, accessors, materials.Count));
+            json.Objects("primitives"), item => GltfPrimitive.Read(item, _accessors, _materials.Count));
         if (primitives.Length == 0)
             throw json.Place.Fault("the mesh has no primitives");
         foreach (GltfPrimitive primitive in primitives)
@@ -116,7 +116,7 @@ internal sealed class GltfMeshReader
     private void CheckDraco(GltfPrimitive primitive)
     {
         if (primitive.Json.TryGetExtension(GltfNames.Draco, out GltfJson draco)
-            && !accessors.HasData(primitive.Attributes[GltfPrimitive.Position]))
+            && !_accessors.HasData(primitive.Attributes[GltfPrimitive.Position]))
             throw draco.Place.Fault($"the extension {GltfNames.Draco} is not supported");
     }
 
@@ -140,8 +140,8 @@ internal sealed class GltfMeshReader
             return slots;
         for (int i = 0; i < primitives.Length; i++)
         {
-            Material material = primitives[i].Material < 0 ? materials.Default
-                : materials.Get(primitives[i].Material);
+            Material material = primitives[i].Material < 0 ? _materials.Default
+                : _materials.Get(primitives[i].Material);
             slots[i] = list.IndexOf(material);
             if (slots[i] < 0)
             {
@@ -182,7 +182,7 @@ internal sealed class GltfMeshReader
         var groupOfPolygon = new List<int>();
         for (int i = 0; i < group.Count; i++)
         {
-            int[] corners = primitives[group[i]].ReadTriangles(accessors);
+            int[] corners = primitives[group[i]].ReadTriangles(_accessors);
             int start = starts[i];
             if (start != 0)
             {
@@ -253,16 +253,16 @@ internal sealed class GltfMeshReader
         bool isDeformed = primitive.Targets.Length > 0 || primitive.Attributes.ContainsKey("JOINTS_0");
         if (isDeformed)
             throw primitive.Place.Fault("points with indices that are deformed as well are not supported");
-        GltfElements.Gather(points, primitive.ReadIndices(accessors));
+        GltfElements.Gather(points, primitive.ReadIndices(_accessors));
         return points;
     }
 
     private Line MakeLine(string name, GltfPrimitive primitive)
     {
         var line = new Line(name);
-        float[] positions = accessors.ReadFloats(primitive.Attributes[GltfPrimitive.Position]);
+        float[] positions = _accessors.ReadFloats(primitive.Attributes[GltfPrimitive.Position]);
         line.ControlPoints.AddRange(GltfVectors.From(positions, 3, 1));
-        int[] indices = primitive.ReadIndices(accessors);
+        int[] indices = primitive.ReadIndices(_accessors);
         if (primitive.Mode == GltfPrimitive.Lines)
         {
             if (indices.Length % 2 != 0)
@@ -279,7 +279,7 @@ internal sealed class GltfMeshReader
         foreach ((string semantic, int accessor) in primitive.Attributes)
         {
             if (semantic != GltfPrimitive.Position)
-                line.SetProperty(semantic, accessors.ReadAsStored(accessor));
+                line.SetProperty(semantic, _accessors.ReadAsStored(accessor));
         }
         return line;
     }
@@ -305,7 +305,7 @@ internal sealed class GltfMeshReader
             foreach (int index in group)
             {
                 int corners = primitives[index].Indices >= 0
-                    ? accessors.ElementCount(primitives[index].Indices)
+                    ? _accessors.ElementCount(primitives[index].Indices)
                                                              : primitives[index].VertexCount;
                 int count = primitives[index].Mode == GltfPrimitive.Triangles ? corners / 3 : corners - 2;
                 for (int k = 0; k < count; k++)
@@ -333,7 +333,7 @@ internal sealed class GltfMeshReader
         string semantic)
     {
         VertexElementVector4? element = null;
-        int components = accessors.ComponentCount(blocks[0].Primitive.Attributes[semantic]);
+        int components = _accessors.ComponentCount(blocks[0].Primitive.Attributes[semantic]);
         Vector4[]? values = null;
         if (semantic == "NORMAL")
         {
@@ -349,7 +349,7 @@ internal sealed class GltfMeshReader
         {
             element = new VertexElementUV(TextureMapping.Diffuse);
             values = Vectors(blocks, total, semantic, 2, 1);
-            if (flipV)
+            if (_flipV)
                 GltfVectors.FlipV(values);
         }
         else if (semantic.StartsWith("COLOR_", StringComparison.Ordinal) && components is 3 or 4)
@@ -370,7 +370,7 @@ internal sealed class GltfMeshReader
         var values = new Vector4[total];
         foreach ((GltfPrimitive primitive, int start) in blocks)
         {
-            float[] floats = accessors.ReadFloats(
+            float[] floats = _accessors.ReadFloats(
                 primitive.Attributes[semantic], components,
                 primitive.Place.Child("attributes").Child(semantic));
             GltfVectors.Copy(floats, components, last, values.AsSpan(start));
@@ -381,10 +381,10 @@ internal sealed class GltfMeshReader
     private Array AsStored(List<(GltfPrimitive Primitive, int Start)> blocks, string semantic)
     {
         if (blocks.Count == 1)
-            return accessors.ReadAsStored(blocks[0].Primitive.Attributes[semantic]);
+            return _accessors.ReadAsStored(blocks[0].Primitive.Attributes[semantic]);
         var all = new List<float>();
         foreach ((GltfPrimitive primitive, _) in blocks)
-            all.AddRange(accessors.ReadFloats(primitive.Attributes[semantic]));
+            all.AddRange(_accessors.ReadFloats(primitive.Attributes[semantic]));
         return all.ToArray();
     }
 
@@ -393,13 +393,13 @@ internal sealed class GltfMeshReader
     {
         List<(GltfPrimitive Primitive, int Start)> blocks = Blocks(primitives, group, out _);
         if (skin >= 0 && blocks[0].Primitive.Attributes.ContainsKey("JOINTS_0"))
-            geometry.Deformers.Add(skins.Make(skin, blocks, accessors));
+            geometry.Deformers.Add(_skins.Make(skin, blocks, _accessors));
         else
             KeepSkinAttributes(geometry, blocks);
         if (blocks[0].Primitive.Targets.Length > 0)
         {
             MorphTargetDeformer deformer =
-                GltfMorphReader.Make(geometry, json, blocks, accessors, weights, flipV);
+                GltfMorphReader.Make(geometry, json, blocks, _accessors, weights, _flipV);
             geometry.Deformers.Add(deformer);
             morphs.Add([.. deformer.Channels]);
         }

@@ -18,21 +18,21 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfMeshWriter
 {
-    private readonly GltfDocument document;
-    private readonly GltfMaterialWriter materials;
-    private readonly GltfSaveOptions options;
-    private readonly WriteContext context;
-    private readonly Dictionary<string, int> meshOf = new(StringComparer.Ordinal);
-    private readonly Dictionary<object, int> numbers = new(ReferenceEqualityComparer.Instance);
-    private readonly Dictionary<Geometry, GltfGeometryData> dataOf = new(ReferenceEqualityComparer.Instance);
+    private readonly GltfDocument _document;
+    private readonly GltfMaterialWriter _materials;
+    private readonly GltfSaveOptions _options;
+    private readonly WriteContext _context;
+    private readonly Dictionary<string, int> _meshOf = new(StringComparer.Ordinal);
+    private readonly Dictionary<object, int> _numbers = new(ReferenceEqualityComparer.Instance);
+    private readonly Dictionary<Geometry, GltfGeometryData> _dataOf = new(ReferenceEqualityComparer.Instance);
 
     internal GltfMeshWriter(GltfDocument document, GltfMaterialWriter materials, GltfSaveOptions options,
         WriteContext context)
     {
-        this.document = document;
-        this.materials = materials;
-        this.options = options;
-        this.context = context;
+        _document = document;
+        _materials = materials;
+        _options = options;
+        _context = context;
     }
 
     /// <summary>Whether there is anything to draw, since a document has no empty meshes.</summary>
@@ -47,7 +47,7 @@ internal sealed class GltfMeshWriter
     internal int IndexOf(List<Entity> entities, IList<Material> nodeMaterials)
     {
         string key = KeyOf(entities, nodeMaterials);
-        if (meshOf.TryGetValue(key, out int known))
+        if (_meshOf.TryGetValue(key, out int known))
             return known;
         var json = new JsonObject();
         if (entities[0].Name.Length > 0)
@@ -62,7 +62,7 @@ internal sealed class GltfMeshWriter
         }
         json["primitives"] = primitives;
         WriteMorphMembers(json, entities[0]);
-        return meshOf[key] = document.Add("meshes", json);
+        return _meshOf[key] = _document.Add("meshes", json);
     }
 
     /// <summary>
@@ -83,8 +83,8 @@ internal sealed class GltfMeshWriter
 
     private int NumberOf(object item)
     {
-        if (!numbers.TryGetValue(item, out int number))
-            numbers[item] = number = numbers.Count;
+        if (!_numbers.TryGetValue(item, out int number))
+            _numbers[item] = number = _numbers.Count;
         return number;
     }
 
@@ -92,10 +92,10 @@ internal sealed class GltfMeshWriter
     {
         List<MorphTargetChannel> channels = GltfMorphs.ChannelsOf(entity);
         if (channels.Count > 0)
-            json["weights"] = GltfValues.Factors(GltfMorphs.DefaultWeights(channels, context));
-        if (options.SaveExtras)
+            json["weights"] = GltfValues.Factors(GltfMorphs.DefaultWeights(channels, _context));
+        if (_options.SaveExtras)
             GltfExtras.Write(json, entity, HasOwnPlace);
-        GltfExtensionData.Write(document, json, entity);
+        GltfExtensionData.Write(_document, json, entity);
         if (!channels.Exists(static channel => channel.Name.Length > 0))
             return;
         var names = new JsonArray();
@@ -108,8 +108,8 @@ internal sealed class GltfMeshWriter
 
     private void AddGeometry(JsonArray primitives, Geometry geometry, IList<Material> nodeMaterials)
     {
-        if (!dataOf.TryGetValue(geometry, out GltfGeometryData? data))
-            dataOf[geometry] = data = new GltfGeometryData(geometry, document, options, context);
+        if (!_dataOf.TryGetValue(geometry, out GltfGeometryData? data))
+            _dataOf[geometry] = data = new GltfGeometryData(geometry, _document, _options, _context);
         for (int i = 0; i < data.Parts.Count; i++)
         {
             JsonObject primitive = data.ToPrimitive(data.Parts[i]);
@@ -121,9 +121,9 @@ internal sealed class GltfMeshWriter
 
     private void AddLine(JsonArray primitives, Line line, IList<Material> nodeMaterials)
     {
-        JsonObject primitive = GltfLines.ToPrimitive(line, document, context);
+        JsonObject primitive = GltfLines.ToPrimitive(line, _document, _context);
         if (nodeMaterials.Count == 0 && line.Color != Vector3.Origin)
-            primitive["material"] = materials.IndexOfColor(line.Color);
+            primitive["material"] = _materials.IndexOfColor(line.Color);
         else
             SetMaterial(primitive, line.GetProperty(GltfNames.MaterialIndex) is int slot ? slot : 0,
                 nodeMaterials);
@@ -134,7 +134,7 @@ internal sealed class GltfMeshWriter
     // Extras are kept as long as there are as many primitives as there were.
     private void SetExtras(JsonObject primitive, Entity entity, int index, int count)
     {
-        bool isTold = options.SaveExtras
+        bool isTold = _options.SaveExtras
             && entity.GetProperty(GltfNames.PrimitiveExtras) is IList<object?> list && list.Count == count
             && list[index] is not null;
         if (isTold)
@@ -145,7 +145,7 @@ internal sealed class GltfMeshWriter
     private void SetMaterial(JsonObject primitive, int slot, IList<Material> nodeMaterials)
     {
         if (slot < nodeMaterials.Count)
-            primitive["material"] = materials.IndexOf(nodeMaterials[slot]);
+            primitive["material"] = _materials.IndexOf(nodeMaterials[slot]);
     }
 }
 

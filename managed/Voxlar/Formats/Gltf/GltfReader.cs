@@ -60,34 +60,35 @@ internal sealed class GltfReader : ISceneReader
     /// <summary>One reading of one document.</summary>
     private sealed class Run
     {
-        private readonly GltfJson root;
-        private readonly Scene scene;
-        private readonly ReadContext context;
-        private readonly GltfJson[] nodeJson;
-        private readonly Node[] nodes;
-        private readonly int[] parents;
-        private readonly GltfAccessors accessors;
-        private readonly GltfMaterialReader materials;
-        private readonly GltfMeshReader meshes;
-        private readonly GltfViewReader views;
-        private readonly GltfSkinReader skins;
-        private readonly Dictionary<int, List<MorphTargetChannel[]>> morphs = [];
+        private readonly GltfJson _root;
+        private readonly Scene _scene;
+        private readonly ReadContext _context;
+        private readonly GltfJson[] _nodeJson;
+        private readonly Node[] _nodes;
+        private readonly int[] _parents;
+        private readonly GltfAccessors _accessors;
+        private readonly GltfMaterialReader _materials;
+        private readonly GltfMeshReader _meshes;
+        private readonly GltfViewReader _views;
+        private readonly GltfSkinReader _skins;
+        private readonly Dictionary<int, List<MorphTargetChannel[]>> _morphs = [];
 
         internal Run(GltfJson root, ReadOnlyMemory<byte>? binary, Scene scene, ReadContext context)
         {
-            this.root = root;
-            this.scene = scene;
-            this.context = context;
+            _root = root;
+            _scene = scene;
+            _context = context;
             bool flipV = context.OptionsAs<GltfLoadOptions>().FlipTexCoordV;
-            nodeJson = root.Objects("nodes");
-            nodes = Array.ConvertAll(nodeJson, MakeNode);
-            parents = new int[nodes.Length];
-            Array.Fill(parents, -1);
-            accessors = new GltfAccessors(root, binary, context);
-            materials = new GltfMaterialReader(root, new GltfTextureReader(root, accessors, context, flipV));
-            skins = new GltfSkinReader(root, nodes);
-            meshes = new GltfMeshReader(root, accessors, materials, skins, flipV);
-            views = new GltfViewReader(root);
+            _nodeJson = root.Objects("nodes");
+            _nodes = Array.ConvertAll(_nodeJson, MakeNode);
+            _parents = new int[_nodes.Length];
+            Array.Fill(_parents, -1);
+            _accessors = new GltfAccessors(root, binary, context);
+            _materials = new GltfMaterialReader(root,
+                new GltfTextureReader(root, _accessors, context, flipV));
+            _skins = new GltfSkinReader(root, _nodes);
+            _meshes = new GltfMeshReader(root, _accessors, _materials, _skins, flipV);
+            _views = new GltfViewReader(root);
         }
 
         internal void Read()
@@ -95,17 +96,17 @@ internal sealed class GltfReader : ISceneReader
             ReadAsset();
             LinkNodes();
             ReadScenes();
-            for (int i = 0; i < nodes.Length; i++)
-                AddEntities(nodes[i], i);
-            new GltfAnimationReader(root, accessors, nodes, node =>
-                morphs.GetValueOrDefault(node, [])).ReadInto(scene);
+            for (int i = 0; i < _nodes.Length; i++)
+                AddEntities(_nodes[i], i);
+            new GltfAnimationReader(_root, _accessors, _nodes, node =>
+                _morphs.GetValueOrDefault(node, [])).ReadInto(_scene);
             KeepTheRest();
         }
 
         private void ReadAsset()
         {
-            GltfJson asset = root.Require("asset");
-            AssetInfo info = scene.AssetInfo;
+            GltfJson asset = _root.Require("asset");
+            AssetInfo info = _scene.AssetInfo;
             info.ApplicationName = asset.StringOrNull("generator");
             info.Copyright = asset.StringOrNull("copyright");
             info.CoordinatedSystem = CoordinatedSystem.RightHanded;
@@ -146,70 +147,70 @@ internal sealed class GltfReader : ISceneReader
 
         private void LinkNodes()
         {
-            var children = new int[nodes.Length][];
-            for (int i = 0; i < nodes.Length; i++)
+            var children = new int[_nodes.Length][];
+            for (int i = 0; i < _nodes.Length; i++)
             {
-                children[i] = Array.ConvertAll(nodeJson[i].Items("children"), item =>
-                    item.AsIndex(nodes.Length, "node"));
+                children[i] = Array.ConvertAll(_nodeJson[i].Items("children"), item =>
+                    item.AsIndex(_nodes.Length, "node"));
                 foreach (int child in children[i])
                 {
-                    if (parents[child] >= 0)
-                        throw nodeJson[i].Place.Child("children").Fault(
-                            $"node {child} is a child of node {parents[child]} already");
-                    parents[child] = i;
+                    if (_parents[child] >= 0)
+                        throw _nodeJson[i].Place.Child("children").Fault(
+                            $"node {child} is a child of node {_parents[child]} already");
+                    _parents[child] = i;
                 }
             }
             CheckDepths();
             // From the last to the first, since a document names parents first: a child then comes with its
             // own children.
-            for (int i = nodes.Length - 1; i >= 0; i--)
+            for (int i = _nodes.Length - 1; i >= 0; i--)
             {
                 foreach (int child in children[i])
-                    nodes[i].AddChildNode(nodes[child]);
+                    _nodes[i].AddChildNode(_nodes[child]);
             }
         }
 
         private void CheckDepths()
         {
-            var depths = new int[nodes.Length];
+            var depths = new int[_nodes.Length];
             var chain = new List<int>();
-            for (int i = 0; i < nodes.Length; i++)
+            for (int i = 0; i < _nodes.Length; i++)
             {
                 chain.Clear();
                 int at = i;
                 while (at >= 0 && depths[at] == 0)
                 {
                     chain.Add(at);
-                    if (chain.Count > nodes.Length)
-                        throw nodeJson[i].Place.Child("children").Fault("the node stands below itself");
-                    at = parents[at];
+                    if (chain.Count > _nodes.Length)
+                        throw _nodeJson[i].Place.Child("children").Fault("the node stands below itself");
+                    at = _parents[at];
                 }
                 int depth = at < 0 ? 0 : depths[at];
                 for (int k = chain.Count - 1; k >= 0; k--)
                     depths[chain[k]] = ++depth;
-                context.CheckDepth(depth, "the hierarchy of nodes");
+                _context.CheckDepth(depth, "the hierarchy of nodes");
             }
         }
 
         private void ReadScenes()
         {
-            GltfJson[] scenes = root.Objects("scenes");
-            int first = root.Index("scene", scenes.Length, "scene");
+            GltfJson[] scenes = _root.Objects("scenes");
+            int first = _root.Index("scene", scenes.Length, "scene");
             if (scenes.Length == 0)
             {
-                for (int i = 0; i < nodes.Length; i++)
+                for (int i = 0; i < _nodes.Length; i++)
                 {
-                    if (parents[i] < 0)
-                        scene.RootNode.AddChildNode(nodes[i]);
+                    if (_parents[i] < 0)
+                        _scene.RootNode.AddChildNode(_nodes[i]);
                 }
                 return;
             }
             first = Math.Max(first, 0);
-            ReadScene(scenes[first], scene);
+            ReadScene(scenes[first], _scene);
             for (int i = 0; i < scenes.Length; i++)
             {
                 if (i != first)
-                    ReadScene(scenes[i], new Scene(scene, string.Empty));
+                    ReadScene(scenes[i], new Scene(_scene, string.Empty));
             }
         }
 
@@ -218,13 +219,13 @@ internal sealed class GltfReader : ISceneReader
             target.Name = json.StringOrNull("name") ?? string.Empty;
             foreach (GltfJson item in json.Items("nodes"))
             {
-                int index = item.AsIndex(nodes.Length, "node");
-                if (parents[index] >= 0)
+                int index = item.AsIndex(_nodes.Length, "node");
+                if (_parents[index] >= 0)
                     throw item.Place.Fault(
-                        $"node {index} is a child of node {parents[index]} and cannot be the root of a "
+                        $"node {index} is a child of node {_parents[index]} and cannot be the root of a "
                         + "scene");
-                bool isTaken = nodes[index].ParentNode is not null;
-                target.RootNode.AddChildNode(isTaken ? Copy(index) : nodes[index]);
+                bool isTaken = _nodes[index].ParentNode is not null;
+                target.RootNode.AddChildNode(isTaken ? Copy(index) : _nodes[index]);
             }
             GltfExtras.Read(json, target);
             GltfExtensionData.Read(json, target);
@@ -234,55 +235,55 @@ internal sealed class GltfReader : ISceneReader
         // entities stay shared.
         private Node Copy(int index)
         {
-            Node copy = MakeNode(nodeJson[index]);
-            foreach (GltfJson item in nodeJson[index].Items("children"))
-                copy.AddChildNode(Copy(item.AsIndex(nodes.Length, "node")));
+            Node copy = MakeNode(_nodeJson[index]);
+            foreach (GltfJson item in _nodeJson[index].Items("children"))
+                copy.AddChildNode(Copy(item.AsIndex(_nodes.Length, "node")));
             AddEntities(copy, index);
             return copy;
         }
 
         private void AddEntities(Node node, int index)
         {
-            GltfJson json = nodeJson[index];
-            int mesh = json.Index("mesh", meshes.Count, "mesh");
-            int skin = json.Index("skin", skins.Count, "skin");
+            GltfJson json = _nodeJson[index];
+            int mesh = json.Index("mesh", _meshes.Count, "mesh");
+            int skin = json.Index("skin", _skins.Count, "skin");
             if (mesh >= 0)
             {
-                GltfMeshContent content = meshes.Get(mesh, skin, json.DoublesOrNull("weights"));
+                GltfMeshContent content = _meshes.Get(mesh, skin, json.DoublesOrNull("weights"));
                 foreach (Entity entity in content.Entities)
                     node.AddEntity(entity);
                 foreach (Material material in content.Materials)
                     node.Materials.Add(material);
-                morphs[index] = content.Morphs;
+                _morphs[index] = content.Morphs;
             }
-            views.AddTo(node, json);
+            _views.AddTo(node, json);
         }
 
         private void KeepTheRest()
         {
-            for (int i = 0; i < nodes.Length; i++)
+            for (int i = 0; i < _nodes.Length; i++)
             {
-                if (nodes[i].ParentNode is null)
-                    scene.Library.Add(nodes[i]);
+                if (_nodes[i].ParentNode is null)
+                    _scene.Library.Add(_nodes[i]);
             }
             // Told before the unused meshes below take up more of them.
             var unused = new List<int>();
-            for (int i = 0; i < materials.Count; i++)
+            for (int i = 0; i < _materials.Count; i++)
             {
-                if (!materials.IsUsed(i))
+                if (!_materials.IsUsed(i))
                     unused.Add(i);
             }
-            for (int i = 0; i < meshes.Count; i++)
+            for (int i = 0; i < _meshes.Count; i++)
             {
-                if (meshes.IsUsed(i))
+                if (_meshes.IsUsed(i))
                     continue;
-                foreach (Entity entity in meshes.Get(i, -1, null).Entities)
-                    scene.Library.Add(entity);
+                foreach (Entity entity in _meshes.Get(i, -1, null).Entities)
+                    _scene.Library.Add(entity);
             }
             foreach (int index in unused)
-                scene.Library.Add(materials.Get(index));
-            foreach (Entity view in views.Unused())
-                scene.Library.Add(view);
+                _scene.Library.Add(_materials.Get(index));
+            foreach (Entity view in _views.Unused())
+                _scene.Library.Add(view);
         }
     }
 }

@@ -21,31 +21,31 @@ internal sealed class GltfSceneWriter
     private const double MetreInCentimetres = 100;
     private const double MatrixTolerance = 1e-9;
 
-    private readonly GltfDocument document;
-    private readonly GltfSaveOptions options;
-    private readonly WriteContext context;
-    private readonly GltfMaterialWriter materials;
-    private readonly GltfMeshWriter meshes;
-    private readonly GltfViewWriter views;
-    private readonly GltfSkinWriter skins;
-    private readonly Dictionary<Node, int> nodeIndices = new(ReferenceEqualityComparer.Instance);
-    private readonly Dictionary<Transform, int> transformIndices = new(ReferenceEqualityComparer.Instance);
+    private readonly GltfDocument _document;
+    private readonly GltfSaveOptions _options;
+    private readonly WriteContext _context;
+    private readonly GltfMaterialWriter _materials;
+    private readonly GltfMeshWriter _meshes;
+    private readonly GltfViewWriter _views;
+    private readonly GltfSkinWriter _skins;
+    private readonly Dictionary<Node, int> _nodeIndices = new(ReferenceEqualityComparer.Instance);
+    private readonly Dictionary<Transform, int> _transformIndices = new(ReferenceEqualityComparer.Instance);
     private readonly Dictionary<MorphTargetChannel, GltfMorphPlace> morphPlaces =
         new(ReferenceEqualityComparer.Instance);
-    private readonly Dictionary<Entity, Entity> converted = new(ReferenceEqualityComparer.Instance);
-    private readonly HashSet<Transform> animated = new(ReferenceEqualityComparer.Instance);
+    private readonly Dictionary<Entity, Entity> _converted = new(ReferenceEqualityComparer.Instance);
+    private readonly HashSet<Transform> _animated = new(ReferenceEqualityComparer.Instance);
 
     internal GltfSceneWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options,
         WriteContext context)
     {
-        this.document = document;
-        this.options = options;
-        this.context = context;
-        materials = new GltfMaterialWriter(document,
+        _document = document;
+        _options = options;
+        _context = context;
+        _materials = new GltfMaterialWriter(document,
             new GltfTextureWriter(document, sideFiles, options, context), options, context);
-        meshes = new GltfMeshWriter(document, materials, options, context);
-        views = new GltfViewWriter(document, options, context);
-        skins = new GltfSkinWriter(document, nodeIndices, options.SaveExtras, context);
+        _meshes = new GltfMeshWriter(document, _materials, options, context);
+        _views = new GltfViewWriter(document, options, context);
+        _skins = new GltfSkinWriter(document, _nodeIndices, options.SaveExtras, context);
     }
 
     internal void Write(Scene scene)
@@ -64,24 +64,24 @@ internal sealed class GltfSceneWriter
         var loose = new List<Node>();
         foreach (VbrObject item in scene.Library)
         {
-            if (item is not Node { ParentNode: null } node || nodeIndices.ContainsKey(node))
+            if (item is not Node { ParentNode: null } node || _nodeIndices.ContainsKey(node))
                 continue;
             loose.Add(node);
             Number(node);
         }
-        Node[] numbered = [.. nodeIndices.Keys];
+        Node[] numbered = [.. _nodeIndices.Keys];
         foreach (Node node in numbered)
-            Fill(node, document.Get("nodes", nodeIndices[node]));
+            Fill(node, _document.Get("nodes", _nodeIndices[node]));
         for (int i = 0; i < scenes.Count; i++)
             AddScene(scenes[i], roots[i]);
         WriteLibrary(scene);
         // A document of loose nodes alone is a library and shows nothing.
-        document.DefaultScene = document.CountOf("scenes") > 0 ? 0 : -1;
-        views.Finish();
+        _document.DefaultScene = _document.CountOf("scenes") > 0 ? 0 : -1;
+        _views.Finish();
     }
 
     internal void WriteAnimation(AnimationClip clip) =>
-        new GltfAnimationWriter(document, transformIndices, morphPlaces, options.SaveExtras).Write(clip);
+        new GltfAnimationWriter(_document, _transformIndices, morphPlaces, _options.SaveExtras).Write(clip);
 
     private static List<Scene> AllScenes(Scene scene)
     {
@@ -102,7 +102,7 @@ internal sealed class GltfSceneWriter
             foreach (BindPoint point in node.BindPoints)
             {
                 if (point.Property.Owner is Transform transform)
-                    animated.Add(transform);
+                    _animated.Add(transform);
             }
             foreach (AnimationNode below in node.SubAnimations)
                 open.Push(below);
@@ -120,7 +120,7 @@ internal sealed class GltfSceneWriter
             return [];
         bool isHolder = root.Entities.Count == 0 && root.Visible
             && root.Transform.TransformMatrix == Matrix4.Identity
-            && !animated.Contains(root.Transform) && !HasExtras(root);
+            && !_animated.Contains(root.Transform) && !HasExtras(root);
         return isHolder ? [.. root.ChildNodes] : [root];
     }
 
@@ -128,7 +128,7 @@ internal sealed class GltfSceneWriter
     {
         foreach (Property property in node.Properties)
         {
-            if (options.SaveExtras && property is UserProperty)
+            if (_options.SaveExtras && property is UserProperty)
                 return true;
         }
         return false;
@@ -141,11 +141,11 @@ internal sealed class GltfSceneWriter
         open.Push(top);
         while (open.TryPop(out Node? node))
         {
-            if (node.Excluded || nodeIndices.ContainsKey(node))
+            if (node.Excluded || _nodeIndices.ContainsKey(node))
                 continue;
-            int index = document.Add("nodes", []);
-            nodeIndices[node] = index;
-            transformIndices[node.Transform] = index;
+            int index = _document.Add("nodes", []);
+            _nodeIndices[node] = index;
+            _transformIndices[node.Transform] = index;
             for (int i = node.ChildNodes.Count - 1; i >= 0; i--)
                 open.Push(node.ChildNodes[i]);
         }
@@ -159,14 +159,14 @@ internal sealed class GltfSceneWriter
         var indices = new JsonArray();
         foreach (Node node in roots)
         {
-            if (nodeIndices.TryGetValue(node, out int index))
+            if (_nodeIndices.TryGetValue(node, out int index))
                 indices.Add((JsonNode)index);
         }
         double scale = scene.AssetInfo.UnitScaleFactor / MetreInCentimetres;
-        if (options.ApplyUnitScale && scale != 1 && indices.Count > 0)
+        if (_options.ApplyUnitScale && scale != 1 && indices.Count > 0)
         {
             if (!(scale > 0) || !double.IsFinite(scale))
-                throw context.Error(
+                throw _context.Error(
                     "GltfSaveOptions.ApplyUnitScale is set, but the unit of the asset is "
                     + $"{scene.AssetInfo.UnitScaleFactor} cm");
             var holder = new JsonObject
@@ -175,14 +175,14 @@ internal sealed class GltfSceneWriter
                 ["scale"] = GltfValues.Numbers(scale, scale, scale),
                 ["children"] = indices,
             };
-            indices = new JsonArray((JsonNode)document.Add("nodes", holder));
+            indices = new JsonArray((JsonNode)_document.Add("nodes", holder));
         }
         if (indices.Count > 0)
             json["nodes"] = indices;
-        if (options.SaveExtras)
+        if (_options.SaveExtras)
             GltfExtras.Write(json, scene);
-        GltfExtensionData.Write(document, json, scene);
-        document.Add("scenes", json);
+        GltfExtensionData.Write(_document, json, scene);
+        _document.Add("scenes", json);
     }
 
     private void WriteLibrary(Scene scene)
@@ -192,16 +192,16 @@ internal sealed class GltfSceneWriter
             switch (item)
             {
                 case Material material:
-                    materials.IndexOf(material);
+                    _materials.IndexOf(material);
                     break;
                 case Geometry or Line when GltfMeshWriter.HasContent((Entity)item):
-                    meshes.IndexOf([(Entity)item], []);
+                    _meshes.IndexOf([(Entity)item], []);
                     break;
                 case Camera camera:
-                    views.IndexOf(camera);
+                    _views.IndexOf(camera);
                     break;
                 case Light light:
-                    views.IndexOf(light);
+                    _views.IndexOf(light);
                     break;
             }
         }
@@ -215,17 +215,17 @@ internal sealed class GltfSceneWriter
         var children = new JsonArray();
         foreach (Node child in node.ChildNodes)
         {
-            if (nodeIndices.TryGetValue(child, out int index))
+            if (_nodeIndices.TryGetValue(child, out int index))
                 children.Add((JsonNode)index);
         }
         if (!node.Visible)
-            document.AddExtension(json, GltfNames.NodeVisibility, new JsonObject { ["visible"] = false });
-        if (options.SaveExtras)
+            _document.AddExtension(json, GltfNames.NodeVisibility, new JsonObject { ["visible"] = false });
+        if (_options.SaveExtras)
             GltfExtras.Write(json, node);
-        GltfExtensionData.Write(document, json, node);
+        GltfExtensionData.Write(_document, json, node);
         if (children.Count > 0)
             json["children"] = children;
-        Place place = new(this, json, nodeIndices[node], children, node.EvaluateGlobalTransform(true));
+        Place place = new(this, json, _nodeIndices[node], children, node.EvaluateGlobalTransform(true));
         if (node.Transform.GeometricMatrix != Matrix4.Identity && node.Entities.Count > 0)
             place = place.Below(node.Name, own => WriteMatrix(node.Transform.GeometricMatrix, own));
         AddEntities(node, place);
@@ -241,7 +241,7 @@ internal sealed class GltfSceneWriter
         Matrix4 parts = Matrix4.Scale(transform.Scale).Concatenate(rotation.ToMatrix())
             .Concatenate(Matrix4.Translate(transform.Translation));
         // What parts cannot tell, such as shear, is told by the matrix; animated nodes have parts only.
-        if (!animated.Contains(transform) && !IsNear(parts, transform.TransformMatrix))
+        if (!_animated.Contains(transform) && !IsNear(parts, transform.TransformMatrix))
         {
             WriteMatrix(transform.TransformMatrix, json);
             return;
@@ -277,7 +277,7 @@ internal sealed class GltfSceneWriter
     {
         bool isAffine = matrix.m03 == 0 && matrix.m13 == 0 && matrix.m23 == 0 && matrix.m33 == 1;
         if (!isAffine)
-            throw context.Error("the transform of a node is no affine one; glTF holds no other");
+            throw _context.Error("the transform of a node is no affine one; glTF holds no other");
         json["matrix"] = GltfValues.Numbers(matrix.ToArray());
     }
 
@@ -292,10 +292,10 @@ internal sealed class GltfSceneWriter
             switch (entity)
             {
                 case Camera camera:
-                    views.Add(camera, place);
+                    _views.Add(camera, place);
                     break;
                 case Light light:
-                    views.Add(light, place);
+                    _views.Add(light, place);
                     break;
                 default:
                     if (GltfMeshWriter.HasContent(entity))
@@ -309,11 +309,11 @@ internal sealed class GltfSceneWriter
 
     private void AddToGroup(List<(string Key, List<Entity> Entities)> groups, Entity entity)
     {
-        SkinDeformer? skin = entity is Geometry geometry ? GltfSkinWriter.SkinOf(geometry, context) : null;
-        int joints = skin is { Bones.Count: > 0 } ? skins.IndexOf(skin) : -1;
+        SkinDeformer? skin = entity is Geometry geometry ? GltfSkinWriter.SkinOf(geometry, _context) : null;
+        int joints = skin is { Bones.Count: > 0 } ? _skins.IndexOf(skin) : -1;
         List<MorphTargetChannel> channels = GltfMorphs.ChannelsOf(entity);
         var extras = new JsonObject();
-        if (options.SaveExtras)
+        if (_options.SaveExtras)
             GltfExtras.Write(extras, entity, GltfMeshWriter.HasOwnPlace);
         string weights = string.Join(' ',
             channels.ConvertAll(static channel => $"{channel.Name}={channel.ChannelWeight}"));
@@ -327,14 +327,14 @@ internal sealed class GltfSceneWriter
 
     private void AddMesh(List<Entity> entities, Node node, Place place)
     {
-        place.Json["mesh"] = meshes.IndexOf(entities, node.Materials);
+        place.Json["mesh"] = _meshes.IndexOf(entities, node.Materials);
         if (entities[0] is Geometry first
-            && GltfSkinWriter.SkinOf(first, context) is { Bones.Count: > 0 } skin)
-            place.Json["skin"] = skins.IndexOf(skin);
+            && GltfSkinWriter.SkinOf(first, _context) is { Bones.Count: > 0 } skin)
+            place.Json["skin"] = _skins.IndexOf(skin);
         foreach (Entity entity in entities)
         {
             List<MorphTargetChannel> channels = GltfMorphs.ChannelsOf(entity);
-            double[] defaults = GltfMorphs.DefaultWeights(channels, context);
+            double[] defaults = GltfMorphs.DefaultWeights(channels, _context);
             for (int i = 0; i < channels.Count; i++)
             {
                 if (!morphPlaces.TryGetValue(channels[i], out GltfMorphPlace? known))
@@ -361,14 +361,14 @@ internal sealed class GltfSceneWriter
             default:
                 if (entity.GetType() == typeof(Geometry))
                     return entity;
-                throw context.Error($"glTF has no form for a {entity.GetType().Name} ('{entity.Name}')");
+                throw _context.Error($"glTF has no form for a {entity.GetType().Name} ('{entity.Name}')");
         }
     }
 
     /// <summary>Converts an entity once, however many nodes show it.</summary>
     private Entity Converted(Entity entity, Func<Entity> convert)
     {
-        if (converted.TryGetValue(entity, out Entity? known))
+        if (_converted.TryGetValue(entity, out Entity? known))
             return known;
         known = convert();
         known.Name = entity.Name;
@@ -377,7 +377,7 @@ internal sealed class GltfSceneWriter
             if (property is UserProperty)
                 known.SetProperty(property.Name, property.Value);
         }
-        return converted[entity] = known;
+        return _converted[entity] = known;
     }
 
     private static Line Polyline(Curve curve)
@@ -392,14 +392,14 @@ internal sealed class GltfSceneWriter
     /// <summary>A node of the document that entities are put on.</summary>
     internal sealed class Place
     {
-        private readonly GltfSceneWriter owner;
-        private readonly JsonArray children;
-        private readonly HashSet<string> taken = new(StringComparer.Ordinal);
+        private readonly GltfSceneWriter _owner;
+        private readonly JsonArray _children;
+        private readonly HashSet<string> _taken = new(StringComparer.Ordinal);
 
         internal Place(GltfSceneWriter owner, JsonObject json, int index, JsonArray children, Matrix4 global)
         {
-            this.owner = owner;
-            this.children = children;
+            _owner = owner;
+            _children = children;
             Json = json;
             Index = index;
             Global = global;
@@ -413,7 +413,7 @@ internal sealed class GltfSceneWriter
         internal Matrix4 Global { get; }
 
         /// <summary>This place when it is free for one more of a kind, or else a new one below it.</summary>
-        internal Place With(string kind, string name) => taken.Add(kind) ? this
+        internal Place With(string kind, string name) => _taken.Add(kind) ? this
             : Below(name, static _ => { });
 
         /// <summary>A new node below this one.</summary>
@@ -423,11 +423,11 @@ internal sealed class GltfSceneWriter
             if (name.Length > 0)
                 json["name"] = name;
             setTransform(json);
-            int index = owner.document.Add("nodes", json);
-            if (children.Count == 0)
-                Json["children"] = children;
-            children.Add((JsonNode)index);
-            return new Place(owner, json, index, [], Global);
+            int index = _owner._document.Add("nodes", json);
+            if (_children.Count == 0)
+                Json["children"] = _children;
+            _children.Add((JsonNode)index);
+            return new Place(_owner, json, index, [], Global);
         }
     }
 }

@@ -24,12 +24,12 @@ internal enum GltfImagePlace
 /// </summary>
 internal sealed class GltfSideFiles
 {
-    private readonly WriteContext context;
-    private readonly Dictionary<string, byte[]> writtenImages = [];
+    private readonly WriteContext _context;
+    private readonly Dictionary<string, byte[]> _writtenImages = [];
 
     internal GltfSideFiles(WriteContext context, GltfSaveOptions options, bool isBinary)
     {
-        this.context = context;
+        _context = context;
         bool isWhole = options.EmbedAssets || !context.HasSideFiles;
         IsWhole = isBinary || isWhole;
         ImagePlace = isBinary ? GltfImagePlace.Buffer : isWhole ? GltfImagePlace.DataUri
@@ -46,14 +46,14 @@ internal sealed class GltfSideFiles
     internal string WriteImage(string fileName, byte[] content)
     {
         string name = fileName;
-        for (int number = 1; writtenImages.TryGetValue(name, out byte[]? other); number++)
+        for (int number = 1; _writtenImages.TryGetValue(name, out byte[]? other); number++)
         {
             if (other.AsSpan().SequenceEqual(content))
                 return name;
             name = $"{Path.GetFileNameWithoutExtension(fileName)}_{number}{Path.GetExtension(fileName)}";
         }
-        writtenImages[name] = content;
-        using Stream file = context.CreateSideFile(name);
+        _writtenImages[name] = content;
+        using Stream file = _context.CreateSideFile(name);
         file.Write(content);
         return name;
     }
@@ -63,7 +63,7 @@ internal sealed class GltfSideFiles
     {
         if (GltfUri.HasScheme(fileName) || Path.IsPathRooted(fileName))
             return null;
-        foreach (string folder in context.Options.LookupPaths)
+        foreach (string folder in _context.Options.LookupPaths)
         {
             try
             {

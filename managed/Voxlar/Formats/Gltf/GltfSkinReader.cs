@@ -14,16 +14,16 @@ internal sealed class GltfSkinReader
 {
     private const double NearlySingular = 1e-30;
 
-    private readonly GltfJson[] skins;
-    private readonly Node[] nodes;
+    private readonly GltfJson[] _skins;
+    private readonly Node[] _nodes;
 
     internal GltfSkinReader(GltfJson root, Node[] nodes)
     {
-        skins = root.Objects("skins");
-        this.nodes = nodes;
+        _skins = root.Objects("skins");
+        _nodes = nodes;
     }
 
-    internal int Count => skins.Length;
+    internal int Count => _skins.Length;
 
     internal static bool IsSkinAttribute(string semantic) =>
         semantic.StartsWith("JOINTS_", StringComparison.Ordinal)
@@ -32,11 +32,11 @@ internal sealed class GltfSkinReader
     internal SkinDeformer Make(int skin, List<(GltfPrimitive Primitive, int Start)> blocks,
         GltfAccessors accessors)
     {
-        GltfJson json = skins[skin];
+        GltfJson json = _skins[skin];
         var deformer = new SkinDeformer(json.StringOrNull("name") ?? string.Empty);
-        int root = json.Index("skeleton", nodes.Length, "node");
+        int root = json.Index("skeleton", _nodes.Length, "node");
         if (root >= 0)
-            deformer.SetProperty(GltfNames.SkeletonRoot, nodes[root]);
+            deformer.SetProperty(GltfNames.SkeletonRoot, _nodes[root]);
         Bone[] bones = MakeBones(json, accessors);
         foreach (Bone bone in bones)
             deformer.Bones.Add(bone);
@@ -62,7 +62,7 @@ internal sealed class GltfSkinReader
         var bones = new Bone[joints.Length];
         for (int i = 0; i < bones.Length; i++)
         {
-            Node node = nodes[joints[i].AsIndex(nodes.Length, "node")];
+            Node node = _nodes[joints[i].AsIndex(_nodes.Length, "node")];
             bones[i] = new Bone(node.Name) { Node = node };
             if (inverses is null)
                 continue;

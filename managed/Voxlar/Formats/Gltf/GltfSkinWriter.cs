@@ -15,19 +15,19 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfSkinWriter
 {
-    private readonly GltfDocument document;
-    private readonly IReadOnlyDictionary<Node, int> nodeIndices;
-    private readonly bool saveExtras;
-    private readonly WriteContext context;
-    private readonly Dictionary<string, int> written = new(StringComparer.Ordinal);
+    private readonly GltfDocument _document;
+    private readonly IReadOnlyDictionary<Node, int> _nodeIndices;
+    private readonly bool _saveExtras;
+    private readonly WriteContext _context;
+    private readonly Dictionary<string, int> _written = new(StringComparer.Ordinal);
 
     internal GltfSkinWriter(GltfDocument document, IReadOnlyDictionary<Node, int> nodeIndices,
         bool saveExtras, WriteContext context)
     {
-        this.document = document;
-        this.nodeIndices = nodeIndices;
-        this.saveExtras = saveExtras;
-        this.context = context;
+        _document = document;
+        _nodeIndices = nodeIndices;
+        _saveExtras = saveExtras;
+        _context = context;
     }
 
     internal static SkinDeformer? SkinOf(Geometry geometry, WriteContext context)
@@ -57,34 +57,34 @@ internal sealed class GltfSkinWriter
             InverseBind(skin.Bones[i], matrices.AsSpan(i * 16, 16));
             key.Append(CultureInfo.InvariantCulture, $"{joint} ");
         }
-        int accessor = document.AddNumbers(matrices, 16, false);
+        int accessor = _document.AddNumbers(matrices, 16, false);
         key.Append(CultureInfo.InvariantCulture, $"|{accessor}");
         var json = new JsonObject();
         if (skin.Name.Length > 0)
             json["name"] = skin.Name;
         json["inverseBindMatrices"] = accessor;
         if (skin.GetProperty(GltfNames.SkeletonRoot) is Node root
-            && nodeIndices.TryGetValue(root, out int skeleton))
+            && _nodeIndices.TryGetValue(root, out int skeleton))
         {
             json["skeleton"] = skeleton;
             key.Append(CultureInfo.InvariantCulture, $"|{skeleton}");
         }
         json["joints"] = joints;
-        if (saveExtras)
+        if (_saveExtras)
             GltfExtras.Write(json, skin, static name => name == GltfNames.SkeletonRoot);
-        GltfExtensionData.Write(document, json, skin);
+        GltfExtensionData.Write(_document, json, skin);
         key.Append(json["extras"]?.ToJsonString()).Append(json["extensions"]?.ToJsonString());
-        if (!written.TryGetValue(key.ToString(), out int index))
-            written[key.ToString()] = index = document.Add("skins", json);
+        if (!_written.TryGetValue(key.ToString(), out int index))
+            _written[key.ToString()] = index = _document.Add("skins", json);
         return index;
     }
 
     private int JointOf(Bone bone, SkinDeformer skin)
     {
         if (bone.Node is null)
-            throw context.Error($"the bone '{bone.Name}' of the skin '{skin.Name}' has no node");
-        return nodeIndices.TryGetValue(bone.Node, out int joint) ? joint
-            : throw context.Error(
+            throw _context.Error($"the bone '{bone.Name}' of the skin '{skin.Name}' has no node");
+        return _nodeIndices.TryGetValue(bone.Node, out int joint) ? joint
+            : throw _context.Error(
                 $"the node '{bone.Node.Name}' of the bone '{bone.Name}' is not written with the scene");
     }
 
@@ -94,7 +94,7 @@ internal sealed class GltfSkinWriter
         if (bone.BoneTransform != Matrix4.Identity)
         {
             if (bone.BoneTransform.Determinant == 0)
-                throw context.Error($"the bone transform of the bone '{bone.Name}' has no inverse");
+                throw _context.Error($"the bone transform of the bone '{bone.Name}' has no inverse");
             matrix = matrix.Concatenate(bone.BoneTransform.Inverse());
         }
         double[] values = matrix.ToArray();

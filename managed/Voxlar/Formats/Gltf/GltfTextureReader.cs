@@ -22,24 +22,24 @@ internal sealed class GltfTextureReader
     private const int MirroredRepeat = 33648;
     private const int Repeat = 10497;
 
-    private readonly GltfJson[] textures;
-    private readonly GltfJson[] images;
-    private readonly GltfJson[] samplers;
-    private readonly GltfAccessors accessors;
-    private readonly ReadContext context;
-    private readonly bool flipV;
-    private readonly Image?[] read;
-    private readonly Dictionary<(int Texture, long TexCoord, GltfUVTransform Transform), Texture> made = [];
+    private readonly GltfJson[] _textures;
+    private readonly GltfJson[] _images;
+    private readonly GltfJson[] _samplers;
+    private readonly GltfAccessors _accessors;
+    private readonly ReadContext _context;
+    private readonly bool _flipV;
+    private readonly Image?[] _read;
+    private readonly Dictionary<(int Texture, long TexCoord, GltfUVTransform Transform), Texture> _made = [];
 
     internal GltfTextureReader(GltfJson root, GltfAccessors accessors, ReadContext context, bool flipV)
     {
-        textures = root.Objects("textures");
-        images = root.Objects("images");
-        samplers = root.Objects("samplers");
-        read = new Image?[images.Length];
-        this.accessors = accessors;
-        this.context = context;
-        this.flipV = flipV;
+        _textures = root.Objects("textures");
+        _images = root.Objects("images");
+        _samplers = root.Objects("samplers");
+        _read = new Image?[_images.Length];
+        _accessors = accessors;
+        _context = context;
+        _flipV = flipV;
     }
 
     private sealed record Image(string? Name, string? FileName, byte[]? Content);
@@ -52,7 +52,7 @@ internal sealed class GltfTextureReader
         if (!owner.IsObject || !owner.TryGetObject(name, out info))
             return false;
         info.Require("index");
-        int index = info.Index("index", textures.Length, "texture");
+        int index = info.Index("index", _textures.Length, "texture");
         long texCoord = info.Count("texCoord", 0);
         GltfUVTransform transform = GltfUVTransform.Identity;
         if (info.TryGetExtension(GltfNames.TextureTransform, out GltfJson told))
@@ -63,26 +63,26 @@ internal sealed class GltfTextureReader
                 scale[1]);
             texCoord = told.Count("texCoord", texCoord);
         }
-        if (made.TryGetValue((index, texCoord, transform), out texture))
+        if (_made.TryGetValue((index, texCoord, transform), out texture))
             return true;
-        texture = Make(textures[index]);
+        texture = Make(_textures[index]);
         if (transform != GltfUVTransform.Identity)
-            (flipV ? transform.Flip() : transform).ApplyTo(texture);
+            (_flipV ? transform.Flip() : transform).ApplyTo(texture);
         if (texCoord != 0)
             texture.SetProperty(GltfNames.TexCoord, (int)Math.Min(texCoord, int.MaxValue));
-        made[(index, texCoord, transform)] = texture;
+        _made[(index, texCoord, transform)] = texture;
         return true;
     }
 
     private Texture Make(GltfJson json)
     {
-        int source = json.Index("source", images.Length, "image");
+        int source = json.Index("source", _images.Length, "image");
         foreach (string extension in new[] { GltfNames.WebpImages, GltfNames.BasisImages })
         {
             if (source < 0 && json.TryGetExtension(extension, out GltfJson other))
-                source = other.Index("source", images.Length, "image");
+                source = other.Index("source", _images.Length, "image");
         }
-        Image? image = source < 0 ? null : read[source] ??= ReadImage(source);
+        Image? image = source < 0 ? null : _read[source] ??= ReadImage(source);
         string? name = json.StringOrNull("name");
         var texture = new Texture(name ?? image?.Name ?? Path.GetFileNameWithoutExtension(image?.FileName)
             ?? string.Empty)
@@ -92,9 +92,9 @@ internal sealed class GltfTextureReader
         };
         if (name is not null && image?.Name is string imageName && imageName != name)
             texture.SetProperty(GltfNames.ImageName, imageName);
-        int sampler = json.Index("sampler", samplers.Length, "sampler");
+        int sampler = json.Index("sampler", _samplers.Length, "sampler");
         if (sampler >= 0)
-            ApplySampler(samplers[sampler], texture);
+            ApplySampler(_samplers[sampler], texture);
         GltfExtras.Read(json, texture);
         return texture;
     }
@@ -143,7 +143,7 @@ internal sealed class GltfTextureReader
 
     private Image ReadImage(int index)
     {
-        GltfJson json = images[index];
+        GltfJson json = _images[index];
         string? name = json.StringOrNull("name");
         string mediaType = json.StringOrNull("mimeType") ?? string.Empty;
         byte[]? content;
@@ -165,8 +165,8 @@ internal sealed class GltfTextureReader
         }
         else if (json.TryGet("bufferView", out _))
         {
-            int view = json.Index("bufferView", accessors.ViewCount, "buffer view");
-            content = accessors.ReadView(view).ToArray();
+            int view = json.Index("bufferView", _accessors.ViewCount, "buffer view");
+            content = _accessors.ReadView(view).ToArray();
         }
         else
         {
@@ -181,7 +181,7 @@ internal sealed class GltfTextureReader
     // A scene without one of its images is still of use; the name of the file stays.
     private byte[]? ReadFile(string fileName)
     {
-        using Stream? file = context.TryOpenSideFile(fileName);
-        return file is null ? null : context.ReadAll(file);
+        using Stream? file = _context.TryOpenSideFile(fileName);
+        return file is null ? null : _context.ReadAll(file);
     }
 }

@@ -10,28 +10,28 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// <summary>Writes textures, samplers and images; equal ones are written once.</summary>
 internal sealed class GltfTextureWriter
 {
-    private readonly GltfDocument document;
-    private readonly GltfSideFiles sideFiles;
-    private readonly GltfSaveOptions options;
-    private readonly WriteContext context;
-    private readonly Dictionary<(int Image, int Sampler, string Name), int> textureOf = [];
-    private readonly Dictionary<(int Mag, int Min, int WrapS, int WrapT), int> samplerOf = [];
-    private readonly List<(Texture Source, string Name, int Index)> images = [];
+    private readonly GltfDocument _document;
+    private readonly GltfSideFiles _sideFiles;
+    private readonly GltfSaveOptions _options;
+    private readonly WriteContext _context;
+    private readonly Dictionary<(int Image, int Sampler, string Name), int> _textureOf = [];
+    private readonly Dictionary<(int Mag, int Min, int WrapS, int WrapT), int> _samplerOf = [];
+    private readonly List<(Texture Source, string Name, int Index)> _images = [];
 
     internal GltfTextureWriter(GltfDocument document, GltfSideFiles sideFiles, GltfSaveOptions options,
         WriteContext context)
     {
-        this.context = context;
-        this.document = document;
-        this.sideFiles = sideFiles;
-        this.options = options;
+        _context = context;
+        _document = document;
+        _sideFiles = sideFiles;
+        _options = options;
     }
 
     /// <summary>The use of a texture by a material: index, texture coordinates, transform.</summary>
     internal JsonObject InfoOf(TextureBase source)
     {
         if (source is not Texture texture)
-            throw context.Error(
+            throw _context.Error(
                 $"glTF has no form for a texture of the type {source.GetType().Name} ('{source.Name}')");
         var info = new JsonObject { ["index"] = IndexOf(texture) };
         if (texture.GetProperty(GltfNames.TexCoord) is int texCoord && texCoord > 0)
@@ -39,7 +39,7 @@ internal sealed class GltfTextureWriter
         GltfUVTransform transform = GltfUVTransform.Of(texture);
         if (transform == GltfUVTransform.Identity)
             return info;
-        if (options.FlipTexCoordV)
+        if (_options.FlipTexCoordV)
             transform = transform.Flip();
         var told = new JsonObject();
         if ((float)transform.OffsetU != 0 || (float)transform.OffsetV != 0)
@@ -48,7 +48,7 @@ internal sealed class GltfTextureWriter
             told["rotation"] = GltfValues.Factor(transform.Rotation);
         if (transform.ScaleU != 1 || transform.ScaleV != 1)
             told["scale"] = GltfValues.Factors(transform.ScaleU, transform.ScaleV);
-        document.AddExtension(info, GltfNames.TextureTransform, told);
+        _document.AddExtension(info, GltfNames.TextureTransform, told);
         return info;
     }
 
@@ -57,7 +57,7 @@ internal sealed class GltfTextureWriter
         int image = ImageOf(texture);
         int sampler = SamplerOf(texture);
         var key = (image, sampler, texture.Name);
-        if (textureOf.TryGetValue(key, out int known))
+        if (_textureOf.TryGetValue(key, out int known))
             return known;
         var json = new JsonObject { ["sampler"] = sampler };
         // A texture without a name goes by the name of its image.
@@ -74,11 +74,11 @@ internal sealed class GltfTextureWriter
             if (extension is null)
                 json["source"] = image;
             else
-                document.AddExtension(json, extension, new JsonObject { ["source"] = image });
+                _document.AddExtension(json, extension, new JsonObject { ["source"] = image });
         }
-        if (options.SaveExtras)
+        if (_options.SaveExtras)
             GltfExtras.Write(json, texture, static name => name is GltfNames.TexCoord or GltfNames.ImageName);
-        return textureOf[key] = document.Add("textures", json);
+        return _textureOf[key] = _document.Add("textures", json);
     }
 
     private int SamplerOf(Texture texture)
@@ -94,12 +94,12 @@ internal sealed class GltfTextureWriter
             _ => isPoint ? 9986 : 9987,
         } : isPoint ? Nearest : Linear;
         var key = (mag, min, WrapOf(texture.WrapModeU), WrapOf(texture.WrapModeV));
-        if (samplerOf.TryGetValue(key, out int known))
+        if (_samplerOf.TryGetValue(key, out int known))
             return known;
         var json = new JsonObject { ["magFilter"] = key.mag, ["minFilter"] = key.min };
         json["wrapS"] = key.Item3;
         json["wrapT"] = key.Item4;
-        return samplerOf[key] = document.Add("samplers", json);
+        return _samplerOf[key] = _document.Add("samplers", json);
     }
 
     // Two modes have no equal: mirroring once is nearest to mirroring, a border of one colour to the edge's
@@ -116,7 +116,7 @@ internal sealed class GltfTextureWriter
         if (texture.Content is null && string.IsNullOrEmpty(texture.FileName))
             return -1;
         string name = ImageNameOf(texture);
-        foreach ((Texture source, string known, int index) in images)
+        foreach ((Texture source, string known, int index) in _images)
         {
             if (known == name && IsSameImage(source, texture))
                 return index;
@@ -125,8 +125,8 @@ internal sealed class GltfTextureWriter
         if (name.Length > 0)
             json["name"] = name;
         WriteImage(json, texture);
-        int added = document.Add("images", json);
-        images.Add((texture, name, added));
+        int added = _document.Add("images", json);
+        _images.Add((texture, name, added));
         return added;
     }
 
@@ -149,28 +149,28 @@ internal sealed class GltfTextureWriter
 
     private void WriteImage(JsonObject json, Texture texture)
     {
-        byte[]? content = texture.Content ?? sideFiles.FindImage(texture.FileName!);
+        byte[]? content = texture.Content ?? _sideFiles.FindImage(texture.FileName!);
         if (content is null)
         {
-            if (options.ExportTextures || options.EmbedAssets)
-                throw context.Error(
+            if (_options.ExportTextures || _options.EmbedAssets)
+                throw _context.Error(
                     $"the image file '{texture.FileName}' of the texture '{texture.Name}' cannot be found");
             json["uri"] = UriOf(texture.FileName!);
             return;
         }
         bool isConverted = Convert(ref content, texture);
         string? mediaType = GltfImages.MediaTypeOf(content);
-        if (sideFiles.ImagePlace == GltfImagePlace.SideFile)
+        if (_sideFiles.ImagePlace == GltfImagePlace.SideFile)
         {
             string fileName = string.IsNullOrEmpty(texture.FileName) || GltfUri.HasScheme(texture.FileName)
                 ? GltfImages.SafeFileName(texture.Name) + GltfImages.ExtensionOf(mediaType ?? string.Empty)
                 : isConverted ? Path.ChangeExtension(texture.FileName, GltfImages.ExtensionOf(mediaType!))
                     : texture.FileName;
-            json["uri"] = GltfUri.FromFileName(sideFiles.WriteImage(fileName, content));
+            json["uri"] = GltfUri.FromFileName(_sideFiles.WriteImage(fileName, content));
         }
-        else if (mediaType is not null && sideFiles.ImagePlace == GltfImagePlace.Buffer)
+        else if (mediaType is not null && _sideFiles.ImagePlace == GltfImagePlace.Buffer)
         {
-            json["bufferView"] = document.AddImageView(content);
+            json["bufferView"] = _document.AddImageView(content);
             json["mimeType"] = mediaType;
         }
         else
@@ -188,7 +188,7 @@ internal sealed class GltfTextureWriter
     /// <returns>Whether it had to be changed.</returns>
     private bool Convert(ref byte[] content, Texture texture)
     {
-        (string? mediaType, string extension) = options.ImageFormat switch
+        (string? mediaType, string extension) = _options.ImageFormat switch
         {
             GltfEmbeddedImageFormat.JPEG => (GltfImages.Jpeg, "jpg"),
             GltfEmbeddedImageFormat.PNG => (GltfImages.Png, "png"),
@@ -205,7 +205,7 @@ internal sealed class GltfTextureWriter
         }
         catch (Exception e) when (e is NotSupportedException or InvalidDataException)
         {
-            throw context.Error(
+            throw _context.Error(
                 $"GltfSaveOptions.ImageFormat asks for {mediaType}, but the image of the texture "
                 + $"'{texture.Name}' "
                 + $"cannot be converted: {ReadContext.Reason(e)}", e);

@@ -15,13 +15,13 @@ namespace Velbor.Voxlar.Formats.Gltf;
 /// </summary>
 internal sealed class GltfVertices
 {
-    private readonly VertexElement[] elements;
-    private readonly int[]?[] valueOfVertex;
+    private readonly VertexElement[] _elements;
+    private readonly int[]?[] _valueOfVertex;
 
     private GltfVertices(VertexElement[] elements, int count)
     {
-        this.elements = elements;
-        valueOfVertex = new int[]?[elements.Length];
+        _elements = elements;
+        _valueOfVertex = new int[]?[elements.Length];
         Count = count;
     }
 
@@ -52,8 +52,9 @@ internal sealed class GltfVertices
     /// <summary>The place of the value that an element has for a vertex, or -1.</summary>
     internal int ValueOf(int element, int vertex)
     {
-        int[]? values = valueOfVertex[element];
-        return values is null ? elements[element].ValueIndex(ControlPointOf(vertex), -1, -1) : values[vertex];
+        int[]? values = _valueOfVertex[element];
+        return values is null ? _elements[element].ValueIndex(ControlPointOf(vertex), -1, -1)
+            : values[vertex];
     }
 
     private void Split(Mesh mesh)
@@ -61,12 +62,12 @@ internal sealed class GltfVertices
         ReadOnlySpan<int> corners = mesh.PolygonStore.Corners;
         var split = new List<int>();
         var valueOfCorner = new List<int[]>();
-        for (int i = 0; i < elements.Length; i++)
+        for (int i = 0; i < _elements.Length; i++)
         {
-            if (elements[i].MappingMode is MappingMode.ControlPoint or MappingMode.AllSame)
+            if (_elements[i].MappingMode is MappingMode.ControlPoint or MappingMode.AllSame)
                 continue;
             split.Add(i);
-            valueOfCorner.Add(ValuesOfCorners(mesh, elements[i]));
+            valueOfCorner.Add(ValuesOfCorners(mesh, _elements[i]));
         }
         int[][] keys = [.. valueOfCorner];
         var vertexOfCorner = new int[corners.Length];
@@ -100,7 +101,7 @@ internal sealed class GltfVertices
             var values = new int[Count];
             for (int vertex = 0; vertex < Count; vertex++)
                 values[vertex] = keys[k][firstCorner[vertex]];
-            valueOfVertex[split[k]] = values;
+            _valueOfVertex[split[k]] = values;
         }
     }
 

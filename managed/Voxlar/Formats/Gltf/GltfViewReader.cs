@@ -13,49 +13,49 @@ internal sealed class GltfViewReader
 {
     private const double RadianInDegrees = 180 / Math.PI;
 
-    private readonly GltfJson[] cameras;
-    private readonly GltfJson[] lights;
-    private readonly bool[] usedCameras;
-    private readonly bool[] usedLights;
+    private readonly GltfJson[] _cameras;
+    private readonly GltfJson[] _lights;
+    private readonly bool[] _usedCameras;
+    private readonly bool[] _usedLights;
 
     internal GltfViewReader(GltfJson root)
     {
-        cameras = root.Objects("cameras");
-        lights = root.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension)
+        _cameras = root.Objects("cameras");
+        _lights = root.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension)
             ? extension.Objects("lights") : [];
-        usedCameras = new bool[cameras.Length];
-        usedLights = new bool[lights.Length];
+        _usedCameras = new bool[_cameras.Length];
+        _usedLights = new bool[_lights.Length];
     }
 
     internal void AddTo(Node node, GltfJson json)
     {
-        int camera = json.Index("camera", cameras.Length, "camera");
+        int camera = json.Index("camera", _cameras.Length, "camera");
         if (camera >= 0)
         {
-            usedCameras[camera] = true;
-            Add(node, MakeCamera(cameras[camera]));
+            _usedCameras[camera] = true;
+            Add(node, MakeCamera(_cameras[camera]));
         }
         if (json.TryGetExtension(GltfNames.LightsPunctual, out GltfJson extension)
             && extension.TryGet("light", out _))
         {
-            int light = extension.Index("light", lights.Length, "light");
-            usedLights[light] = true;
-            Add(node, MakeLight(lights[light]));
+            int light = extension.Index("light", _lights.Length, "light");
+            _usedLights[light] = true;
+            Add(node, MakeLight(_lights[light]));
         }
     }
 
     /// <summary>Cameras and lights that no node shows.</summary>
     internal IEnumerable<Entity> Unused()
     {
-        for (int i = 0; i < cameras.Length; i++)
+        for (int i = 0; i < _cameras.Length; i++)
         {
-            if (!usedCameras[i])
-                yield return MakeCamera(cameras[i]);
+            if (!_usedCameras[i])
+                yield return MakeCamera(_cameras[i]);
         }
-        for (int i = 0; i < lights.Length; i++)
+        for (int i = 0; i < _lights.Length; i++)
         {
-            if (!usedLights[i])
-                yield return MakeLight(lights[i]);
+            if (!_usedLights[i])
+                yield return MakeLight(_lights[i]);
         }
     }
 

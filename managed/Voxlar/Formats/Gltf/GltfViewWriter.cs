@@ -12,18 +12,18 @@ internal sealed class GltfViewWriter
     private const double DegreeInRadians = Math.PI / 180;
     private const double DirectionTolerance = 1e-5;
 
-    private readonly GltfDocument document;
-    private readonly GltfSaveOptions options;
-    private readonly WriteContext context;
-    private readonly Dictionary<string, int> cameraOf = new(StringComparer.Ordinal);
-    private readonly Dictionary<string, int> lightOf = new(StringComparer.Ordinal);
-    private readonly JsonArray lights = [];
+    private readonly GltfDocument _document;
+    private readonly GltfSaveOptions _options;
+    private readonly WriteContext _context;
+    private readonly Dictionary<string, int> _cameraOf = new(StringComparer.Ordinal);
+    private readonly Dictionary<string, int> _lightOf = new(StringComparer.Ordinal);
+    private readonly JsonArray _lights = [];
 
     internal GltfViewWriter(GltfDocument document, GltfSaveOptions options, WriteContext context)
     {
-        this.document = document;
-        this.options = options;
-        this.context = context;
+        _document = document;
+        _options = options;
+        _context = context;
     }
 
     internal void Add(Camera camera, GltfSceneWriter.Place place) =>
@@ -32,15 +32,15 @@ internal sealed class GltfViewWriter
     internal void Add(Light light, GltfSceneWriter.Place place)
     {
         GltfSceneWriter.Place own = PlaceFor("light", light, place, light.LightType != LightType.Point);
-        document.AddExtension(own.Json, GltfNames.LightsPunctual,
+        _document.AddExtension(own.Json, GltfNames.LightsPunctual,
             new JsonObject { ["light"] = IndexOf(light) });
     }
 
     /// <summary>Writes the lights, which stand together in an extension of the document.</summary>
     internal void Finish()
     {
-        if (lights.Count > 0)
-            document.Extensions[GltfNames.LightsPunctual] = new JsonObject { ["lights"] = lights };
+        if (_lights.Count > 0)
+            _document.Extensions[GltfNames.LightsPunctual] = new JsonObject { ["lights"] = _lights };
     }
 
     private static GltfSceneWriter.Place PlaceFor(string kind, Frustum view, GltfSceneWriter.Place place,
@@ -89,19 +89,19 @@ internal sealed class GltfViewWriter
             WriteOrthographic(json, camera);
         else
             WritePerspective(json, camera);
-        if (options.SaveExtras)
+        if (_options.SaveExtras)
             GltfExtras.Write(json, camera, static name => name == GltfNames.FreeAspectRatio);
-        GltfExtensionData.Write(document, json, camera);
+        GltfExtensionData.Write(_document, json, camera);
         string key = json.ToJsonString();
-        if (!cameraOf.TryGetValue(key, out int index))
-            cameraOf[key] = index = document.Add("cameras", json);
+        if (!_cameraOf.TryGetValue(key, out int index))
+            _cameraOf[key] = index = _document.Add("cameras", json);
         return index;
     }
 
     private void WritePerspective(JsonObject json, Camera camera)
     {
         if (!(camera.NearPlane > 0))
-            throw context.Error(
+            throw _context.Error(
                 $"the near plane of the camera '{camera.Name}' is at {camera.NearPlane}; glTF needs a "
                 + "distance greater than 0");
         var content = new JsonObject();
@@ -118,7 +118,7 @@ internal sealed class GltfViewWriter
     private void WriteOrthographic(JsonObject json, Camera camera)
     {
         if (camera.Magnification.x == 0 || camera.Magnification.y == 0 || !double.IsFinite(camera.FarPlane))
-            throw context.Error(
+            throw _context.Error(
                 $"the orthographic camera '{camera.Name}' has no magnification or no far plane; glTF "
                 + "needs both");
         json["type"] = "orthographic";
@@ -142,7 +142,7 @@ internal sealed class GltfViewWriter
             LightType.Point => "point",
             LightType.Directional => "directional",
             LightType.Spot => "spot",
-            _ => throw context.Error(
+            _ => throw _context.Error(
                 $"glTF has no form for a light of the type {light.LightType} ('{light.Name}')"),
         };
         json["color"] = GltfValues.Factors(light.Color.x, light.Color.y, light.Color.z);
@@ -160,14 +160,14 @@ internal sealed class GltfViewWriter
                 ["outerConeAngle"] = GltfValues.Factor(outer),
             };
         }
-        if (options.SaveExtras)
+        if (_options.SaveExtras)
             GltfExtras.Write(json, light, static name => name == GltfNames.Range);
         string key = json.ToJsonString();
-        if (!lightOf.TryGetValue(key, out int index))
+        if (!_lightOf.TryGetValue(key, out int index))
         {
-            lightOf[key] = index = lights.Count;
-            lights.Add((JsonNode)json);
-            document.UseExtension(GltfNames.LightsPunctual);
+            _lightOf[key] = index = _lights.Count;
+            _lights.Add((JsonNode)json);
+            _document.UseExtension(GltfNames.LightsPunctual);
         }
         return index;
     }
