@@ -6,12 +6,11 @@ using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
-/// <summary>
-/// Writes lines: a single segment of several points as a strip or loop, everything else as separate lines. A
-/// line without segments goes through its points in order.
-/// </summary>
+/// <summary>Writes lines. A line without segments goes through its points in order.</summary>
 internal static class GltfLines
 {
+    private const int MaximumChains = 1024;
+
     /// <summary>
     /// Whether a property of a line holds a vertex attribute, as the reader leaves it there.
     /// </summary>
@@ -20,7 +19,12 @@ internal static class GltfLines
         || name.StartsWith("TEXCOORD_", StringComparison.Ordinal)
         || name.StartsWith("COLOR_", StringComparison.Ordinal);
 
-    internal static JsonObject ToPrimitive(Line line, GltfDocument document, WriteContext context)
+    /// <summary>
+    /// The primitives of a line, all over the same vertices: each chain of more than two points is a strip or
+    /// loop, neighbouring segments of two points are lines together. Of very many chains only the lines are
+    /// kept.
+    /// </summary>
+    internal static List<JsonObject> ToPrimitives(Line line, GltfDocument document, WriteContext context)
     {
         int count = line.ControlPoints.Count;
         var positions = new float[count * 3];
@@ -31,54 +35,66 @@ internal static class GltfLines
             positions[i * 3 + 1] = (float)point.y;
             positions[i * 3 + 2] = (float)point.z;
         }
-        var attributes = new JsonObject
+        int accessor = document.AddAttribute(positions, 3, 0, count, true);
+        var primitives = new List<JsonObject>();
+        foreach ((int mode, int[] indices) in Parts(line))
         {
-            [GltfPrimitive.Position] = document.AddAttribute(positions, 3, 0, count, true),
-        };
-        AddAttributes(attributes, line, document, context);
-        int[] indices = Indices(line, out int mode);
-        foreach (int index in indices)
-        {
-            if ((uint)index >= (uint)count)
-                throw context.Error(
-                    $"a segment of the line '{line.Name}' uses control point {index}; the line has {count}");
+            foreach (int index in indices)
+            {
+                if ((uint)index >= (uint)count)
+                    throw context.Error(
+                        $"a segment of the line '{line.Name}' uses control point {index}; the line has {count}");
+            }
+            var attributes = new JsonObject { [GltfPrimitive.Position] = accessor };
+            AddAttributes(attributes, line, document, context);
+            primitives.Add(new JsonObject
+            {
+                ["attributes"] = attributes,
+                ["indices"] = document.AddIndices(indices, count),
+                ["mode"] = mode,
+            });
         }
-        return new JsonObject
-        {
-            ["attributes"] = attributes,
-            ["indices"] = document.AddIndices(indices, count),
-            ["mode"] = mode,
-        };
+        return primitives;
     }
 
-    private static int[] Indices(Line line, out int mode)
+    private static List<(int Mode, int[] Indices)> Parts(Line line)
     {
         if (line.Segments.Count == 0)
         {
-            mode = line.ControlPoints.Count > 1 ? GltfPrimitive.LineStrip : GltfPrimitive.Points;
             var all = new int[line.ControlPoints.Count];
             for (int i = 0; i < all.Length; i++)
                 all[i] = i;
-            return all;
+            return [(all.Length > 1 ? GltfPrimitive.LineStrip : GltfPrimitive.Points, all)];
         }
-        if (line.Segments.Count == 1 && line.Segments[0].Length > 2)
-        {
-            int[] only = line.Segments[0];
-            bool isClosed = only.Length > 3 && only[0] == only[^1];
-            mode = isClosed ? GltfPrimitive.LineLoop : GltfPrimitive.LineStrip;
-            return isClosed ? only[..^1] : only;
-        }
-        mode = GltfPrimitive.Lines;
+        int chains = 0;
+        foreach (int[] segment in line.Segments)
+            chains += segment.Length > 2 ? 1 : 0;
+        var parts = new List<(int, int[])>();
         var pairs = new List<int>();
         foreach (int[] segment in line.Segments)
         {
-            for (int i = 0; i + 1 < segment.Length; i++)
+            if (segment.Length == 2 || chains > MaximumChains)
             {
-                pairs.Add(segment[i]);
-                pairs.Add(segment[i + 1]);
+                for (int i = 0; i + 1 < segment.Length; i++)
+                    pairs.AddRange([segment[i], segment[i + 1]]);
+                continue;
             }
+            EndPairs();
+            if (segment.Length < 2)
+                continue;
+            bool isClosed = segment.Length > 3 && segment[0] == segment[^1];
+            parts.Add(isClosed ? (GltfPrimitive.LineLoop, segment[..^1])
+                : (GltfPrimitive.LineStrip, segment));
         }
-        return [.. pairs];
+        EndPairs();
+        return parts;
+
+        void EndPairs()
+        {
+            if (pairs.Count > 0)
+                parts.Add((GltfPrimitive.Lines, [.. pairs]));
+            pairs.Clear();
+        }
     }
 
     private static void AddAttributes(JsonObject attributes, Line line, GltfDocument document,

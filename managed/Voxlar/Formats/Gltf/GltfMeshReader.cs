@@ -16,10 +16,10 @@ internal sealed record GltfMeshContent(List<Entity> Entities, List<Material> Mat
 
 /// <summary>
 /// Makes the entities of meshes. All triangle primitives of a mesh whose attributes have the same names
-/// become one <see cref="Mesh"/>, each points primitive a <see cref="PointCloud"/>, each lines primitive a
-/// <see cref="Line"/>; all of them stand on the node. Every stored vertex is one control point: nothing is
-/// merged or split, and primitives that share their vertices share the control points. A mesh that several
-/// nodes show is made once and stands on all of them.
+/// become one <see cref="Mesh"/>, each points primitive a <see cref="PointCloud"/>, lines over the same
+/// vertices a <see cref="Line"/>; all of them stand on the node. Every stored vertex is one control point:
+/// nothing is merged or split, and primitives that share their vertices share the control points. A mesh that
+/// several nodes show is made once and stands on all of them.
 /// </summary>
 internal sealed class GltfMeshReader
 {
@@ -78,13 +78,9 @@ internal sealed class GltfMeshReader
         foreach (List<int> group in Groups(primitives))
         {
             GltfPrimitive first = primitives[group[0]];
-            Entity entity = first.Mode switch
-            {
-                GltfPrimitive.Points => MakePoints(name, first),
-                GltfPrimitive.Lines or GltfPrimitive.LineLoop or GltfPrimitive.LineStrip =>
-                    MakeLine(name, first),
-                _ => MakeMesh(name, primitives, group, slots),
-            };
+            string ownName = first.EntityName ?? name;
+            Entity entity = first.IsTriangles ? MakeMesh(ownName, primitives, group, slots)
+                : first.IsLines ? MakeLine(ownName, primitives, group) : MakePoints(ownName, first);
             if (severalMaterials)
                 SetMaterials(entity, primitives, group, slots);
             if (entity is Geometry geometry)
@@ -105,10 +101,19 @@ internal sealed class GltfMeshReader
     private static void ReadPrimitiveExtras(GltfPrimitive[] primitives, List<int> group, Entity entity)
     {
         List<object?> extras = group.ConvertAll(index =>
-            primitives[index].Json.TryGet(GltfNames.Extras, out GltfJson told)
-                ? GltfValues.FromJson(told.Element) : null);
+            primitives[index].Json.TryGet(GltfNames.Extras, out GltfJson told) ? PrimitiveExtras(told)
+                : null);
         if (extras.Exists(static item => item is not null))
             entity.SetProperty(GltfNames.PrimitiveExtras, extras);
+    }
+
+    // The name of the entity is read as such.
+    private static object? PrimitiveExtras(GltfJson told)
+    {
+        object? value = GltfValues.FromJson(told.Element);
+        if (value is not Dictionary<string, object?> members || !members.Remove(GltfNames.EntityName))
+            return value;
+        return members.Count > 0 ? members : null;
     }
 
     // Compressed data may come with a plain copy, and then need not be understood; without one there is
@@ -155,21 +160,15 @@ internal sealed class GltfMeshReader
     private static List<List<int>> Groups(GltfPrimitive[] primitives)
     {
         var groups = new List<List<int>>();
-        var groupOfLayout = new Dictionary<string, List<int>>(StringComparer.Ordinal);
+        var groupOf = new Dictionary<string, List<int>>(StringComparer.Ordinal);
         for (int i = 0; i < primitives.Length; i++)
         {
-            if (!primitives[i].IsTriangles)
-            {
+            if (primitives[i].GroupKey is not string key)
                 groups.Add([i]);
-            }
-            else if (groupOfLayout.TryGetValue(primitives[i].Layout, out List<int>? group))
-            {
+            else if (groupOf.TryGetValue(key, out List<int>? group))
                 group.Add(i);
-            }
             else
-            {
-                groups.Add(groupOfLayout[primitives[i].Layout] = [i]);
-            }
+                groups.Add(groupOf[key] = [i]);
         }
         return groups;
     }
@@ -257,11 +256,26 @@ internal sealed class GltfMeshReader
         return points;
     }
 
-    private Line MakeLine(string name, GltfPrimitive primitive)
+    private Line MakeLine(string name, GltfPrimitive[] primitives, List<int> group)
     {
+        GltfPrimitive first = primitives[group[0]];
         var line = new Line(name);
-        float[] positions = _accessors.ReadFloats(primitive.Attributes[GltfPrimitive.Position]);
+        float[] positions = _accessors.ReadFloats(first.Attributes[GltfPrimitive.Position]);
         line.ControlPoints.AddRange(GltfVectors.From(positions, 3, 1));
+        foreach (int index in group)
+            AddSegments(line, primitives[index]);
+        // A line has no vertex elements; what else is told of its vertices stays under the name of the
+        // attribute.
+        foreach ((string semantic, int accessor) in first.Attributes)
+        {
+            if (semantic != GltfPrimitive.Position)
+                line.SetProperty(semantic, _accessors.ReadAsStored(accessor));
+        }
+        return line;
+    }
+
+    private void AddSegments(Line line, GltfPrimitive primitive)
+    {
         int[] indices = primitive.ReadIndices(_accessors);
         if (primitive.Mode == GltfPrimitive.Lines)
         {
@@ -274,14 +288,6 @@ internal sealed class GltfMeshReader
         {
             line.Segments.Add(primitive.Mode == GltfPrimitive.LineLoop ? [.. indices, indices[0]] : indices);
         }
-        // A line has no vertex elements; what else is told of its vertices stays under the name of the
-        // attribute.
-        foreach ((string semantic, int accessor) in primitive.Attributes)
-        {
-            if (semantic != GltfPrimitive.Position)
-                line.SetProperty(semantic, _accessors.ReadAsStored(accessor));
-        }
-        return line;
     }
 
     private void SetMaterials(Entity entity, GltfPrimitive[] primitives, List<int> group, int[] slots)

@@ -55,10 +55,13 @@ internal sealed class GltfMeshWriter
         var primitives = new JsonArray();
         foreach (Entity entity in entities)
         {
+            int first = primitives.Count;
             if (entity is Line line)
                 AddLine(primitives, line, nodeMaterials);
             else
                 AddGeometry(primitives, (Geometry)entity, nodeMaterials);
+            if (entity.Name != entities[0].Name && _options.SaveExtras)
+                SetEntityName(primitives, first, entity.Name);
         }
         json["primitives"] = primitives;
         WriteMorphMembers(json, entities[0]);
@@ -70,6 +73,19 @@ internal sealed class GltfMeshWriter
     /// </summary>
     internal static bool HasOwnPlace(string name) =>
         name is GltfNames.MaterialIndex or GltfNames.PrimitiveExtras || GltfLines.IsAttribute(name);
+
+    // The mesh goes by the name of its first entity; the others keep theirs on their primitives.
+    private static void SetEntityName(JsonArray primitives, int first, string name)
+    {
+        for (int i = first; i < primitives.Count; i++)
+        {
+            var primitive = (JsonObject)primitives[i]!;
+            if (primitive["extras"] is null)
+                primitive["extras"] = new JsonObject();
+            if (primitive["extras"] is JsonObject extras)
+                extras[GltfNames.EntityName] = name;
+        }
+    }
 
     private string KeyOf(List<Entity> entities, IList<Material> nodeMaterials)
     {
@@ -121,14 +137,22 @@ internal sealed class GltfMeshWriter
 
     private void AddLine(JsonArray primitives, Line line, IList<Material> nodeMaterials)
     {
-        JsonObject primitive = GltfLines.ToPrimitive(line, _document, _context);
+        List<JsonObject> parts = GltfLines.ToPrimitives(line, _document, _context);
+        for (int i = 0; i < parts.Count; i++)
+        {
+            SetLineMaterial(parts[i], line, nodeMaterials);
+            SetExtras(parts[i], line, i, parts.Count);
+            primitives.Add((JsonNode)parts[i]);
+        }
+    }
+
+    private void SetLineMaterial(JsonObject primitive, Line line, IList<Material> nodeMaterials)
+    {
         if (nodeMaterials.Count == 0 && line.Color != Vector3.Origin)
             primitive["material"] = _materials.IndexOfColor(line.Color);
         else
             SetMaterial(primitive, line.GetProperty(GltfNames.MaterialIndex) is int slot ? slot : 0,
                 nodeMaterials);
-        SetExtras(primitive, line, 0, 1);
-        primitives.Add((JsonNode)primitive);
     }
 
     // Extras are kept as long as there are as many primitives as there were.

@@ -28,6 +28,7 @@ internal static class GltfNames
     internal const string Range = "Range";
     internal const string SkeletonRoot = "SkeletonRoot";
     internal const string MaterialIndex = "MaterialIndex";
+    internal const string EntityName = "entityName";
     internal const string PrimitiveExtras = "PrimitiveExtras";
     internal const string FreeAspectRatio = "FreeAspectRatio";
 

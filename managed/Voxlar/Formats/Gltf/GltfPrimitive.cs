@@ -42,6 +42,17 @@ internal sealed class GltfPrimitive
 
     internal bool IsTriangles => Mode >= Triangles;
 
+    internal bool IsLines => Mode is Lines or LineLoop or LineStrip;
+
+    /// <summary>
+    /// The name of the entity where it is another than the mesh's; this library's own extra.
+    /// </summary>
+    internal string? EntityName { get; private init; }
+
+    /// <summary>Primitives of one key can be one entity; points never are.</summary>
+    internal string? GroupKey => IsTriangles ? $"t{Layout}{EntityName}"
+        : IsLines ? $"l{Layout}{Block}{Material} {EntityName}" : null;
+
     /// <summary>What the attributes are called: primitives of one layout can share a geometry.</summary>
     internal string Layout { get; private set; } = string.Empty;
 
@@ -77,9 +88,19 @@ internal sealed class GltfPrimitive
             Attributes = attributes,
             Targets = targets,
             VertexCount = count,
+            EntityName = EntityNameOf(json),
         };
         primitive.Describe();
         return primitive;
+    }
+
+    // Extras are free: what is no name here is left to whoever wrote it.
+    private static string? EntityNameOf(GltfJson json)
+    {
+        bool isTold = json.TryGet(GltfNames.Extras, out GltfJson extras)
+            && extras.TryGet(GltfNames.EntityName, out GltfJson name)
+            && name.Element.ValueKind == System.Text.Json.JsonValueKind.String;
+        return isTold ? extras.StringOrNull(GltfNames.EntityName) : null;
     }
 
     private static SortedDictionary<string, int> ReadAttributes(GltfJson json, GltfAccessors accessors)

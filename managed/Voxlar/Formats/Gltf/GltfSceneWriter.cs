@@ -317,7 +317,7 @@ internal sealed class GltfSceneWriter
             GltfExtras.Write(extras, entity, GltfMeshWriter.HasOwnPlace);
         string weights = string.Join(' ',
             channels.ConvertAll(static channel => $"{channel.Name}={channel.ChannelWeight}"));
-        string key = $"{entity.Name}|{joints}|{weights}|{extras.ToJsonString()}";
+        string key = $"{joints}|{weights}|{extras.ToJsonString()}";
         List<Entity>? group = groups.Find(item => item.Key == key).Entities;
         if (group is null)
             groups.Add((key, [entity]));

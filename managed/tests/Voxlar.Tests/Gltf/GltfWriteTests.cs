@@ -457,14 +457,34 @@ public class GltfWriteTests
                 camera.Direction = new Vector3(0, 0, 1);
         }
         Node after = First(Through(scene));
-        Assert.Equal(["square", "one"], after.Entities.Select(e => e.Name));
-        Assert.Equal(["two", "turned", "lamp", "other"], after.ChildNodes.Select(n => n.Name));
+        Assert.Equal(["square", "other", "one"], after.Entities.Select(e => e.Name));
+        Assert.Equal(["two", "turned", "lamp"], after.ChildNodes.Select(n => n.Name));
         var turned = (Camera)after.GetChild("turned")!.Entity!;
         Close.To(new Vector3(0, 1, 0.5).Normalize(), turned.Direction, 1e-6);
         Close.To(new Vector3(1, 0, 0), turned.Up, 1e-6);
         var lamp = (Light)after.GetChild("lamp")!.Entity!;
         Close.To(new Vector3(1, 0, 0), lamp.Direction, 1e-6);
         Close.To(40, lamp.Falloff, 1e-4);
+    }
+
+    [Fact]
+    public void Chains_of_a_line_and_names_of_entities_are_kept()
+    {
+        var line = new Line("ways") { ControlPoints = { default, default, default, default, default } };
+        int[][] chains = [[0, 1, 2], [2, 3], [3, 4], [4, 3, 2, 1, 4], [1, 0]];
+        foreach (int[] chain in chains)
+            line.Segments.Add(chain);
+        var scene = new Scene();
+        Node node = scene.RootNode.CreateChildNode("n", Square());
+        node.AddEntity(line);
+        node.AddEntity(new Mesh("second") { ControlPoints = { new Vector4(1, 1, 1) } });
+        foreach (Scene after in GltfSample.ThroughBothForms(scene))
+        {
+            Assert.Equal(["square", "ways", "second"], First(after).Entities.Select(e => e.Name));
+            Assert.Equal(chains, ((Line)First(after).Entities[1]).Segments);
+            Assert.Null(First(after).Entities[1].GetProperty("PrimitiveExtras"));
+            Assert.Empty(First(after).ChildNodes);
+        }
     }
 
     [Fact]
