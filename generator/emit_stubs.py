@@ -84,6 +84,7 @@ class _ModuleStub:
 
     def _imports(self) -> list[str]:
         lines = [
+            "import builtins",
             "from datetime import datetime",
             "from enum import IntEnum, IntFlag",
             "from io import BufferedIOBase, RawIOBase",
@@ -293,19 +294,40 @@ class _ModuleStub:
     def _parameters(self, overload: Overload) -> str:
         return "".join(f", {p.name}: {self._given(p.type)}" for p in overload.parameters)
 
+    def _distinct(self, overloads: tuple[Overload, ...]) -> list[tuple[int, Overload, str]]:
+        """(number, overload, remark) without those that a checker cannot tell from an earlier one (a single and a
+        double are both `float`). To a checker an `int` is a `float` too, so an overload for `int` behind one for
+        `float` gets a remark; at run time the two are told apart."""
+        kept: list[tuple[int, Overload, str]] = []
+        shapes: list[list[str]] = []
+        for index, overload in enumerate(overloads):
+            shape = [self._given(p.type) for p in overload.parameters]
+            if shape in shapes:
+                continue
+            hidden = any(
+                len(earlier) == len(shape)
+                and all(new == old or (new, old) == ("int", "float") or _covers(old, new) for new, old in zip(shape, earlier))
+                for earlier in shapes
+            )
+            shapes.append(shape)
+            kept.append((index, overload, "  # type: ignore[misc]" if hidden else ""))
+        return kept
+
     def _constructors(self, wrapped: WrappedType) -> list[str]:
         lines: list[str] = []
-        for index, overload in enumerate(wrapped.constructors):
-            if len(wrapped.constructors) > 1:
+        distinct = self._distinct(wrapped.constructors)
+        for index, overload, remark in distinct:
+            if len(distinct) > 1:
                 lines.append("    @overload")
-            lines.append(f"    def __init__(self{self._parameters(overload)}) -> None:")
+            lines.append(f"    def __init__(self{self._parameters(overload)}) -> None:{remark}")
             lines += _doc(self._summary(wrapped, "new", index), 8) or ["        ..."]
         return lines
 
     def _method(self, wrapped: WrappedType, method: Method) -> list[str]:
         lines: list[str] = []
-        for index, overload in enumerate(method.overloads):
-            if len(method.overloads) > 1:
+        distinct = self._distinct(method.overloads)
+        for index, overload, remark in distinct:
+            if len(distinct) > 1:
                 lines.append("    @overload")
             parameters = self._parameters(overload)
             if method.static:
@@ -314,18 +336,26 @@ class _ModuleStub:
             else:
                 parameters = f"self{parameters}"
             result = self._result(overload.result, self._nullable(wrapped, method.managed, index))
-            lines.append(f"    def {method.name}({parameters}) -> {result}:")
+            lines.append(f"    def {method.name}({parameters}) -> {result}:{remark}")
             lines += _doc(self._summary(wrapped, method.managed, index), 8) or ["        ..."]
         return lines
 
     def _property(self, wrapped: WrappedType, prop: Property) -> list[str]:
         result = self._result(prop.type, self._nullable(wrapped, prop.managed))
-        lines = ["    @property", f"    def {prop.name}(self) -> {result}:"]
+        # In a class with a member of that name the bare name is no longer the decorator.
+        shadowed = any(p.name == "property" for p in wrapped.properties)
+        decorator = "builtins.property" if shadowed else "property"
+        lines = [f"    @{decorator}", f"    def {prop.name}(self) -> {result}:"]
         lines += _doc(self._summary(wrapped, prop.managed), 8) or ["        ..."]
         if not prop.read_only:
             lines.append(f"    @{prop.name}.setter")
             lines.append(f"    def {prop.name}(self, value: {self._given(prop.type)}) -> None: ...")
         return lines
+
+
+def _covers(old: str, new: str) -> bool:
+    """True when every argument of the type `new` is one of `old`, for lists of numbers."""
+    return (new, old) == ("Optional[Sequence[int]]", "Optional[Sequence[float]]")
 
 
 def _doc(text: str, indent: int) -> list[str]:
