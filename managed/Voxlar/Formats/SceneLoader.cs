@@ -21,8 +21,9 @@ internal static class SceneLoader
         fileName ??= string.IsNullOrEmpty(options?.FileName) ? null : options.FileName;
         string name = ReadContext.DisplayName(fileName);
         // A reader seeks and reads in small pieces. Only files and memory stand that well, so other streams,
-        // which may call back into foreign code, are taken over first.
-        using MemoryStream? copy = stream is FileStream or MemoryStream && stream.Position == 0 ? null : new();
+        // which may call back into foreign code, are taken over first, and so are pipes, which cannot seek.
+        bool readInPlace = stream is FileStream or MemoryStream && stream.CanSeek && stream.Position == 0;
+        using MemoryStream? copy = readInPlace ? null : new();
         if (copy is not null)
         {
             stream.CopyTo(copy);

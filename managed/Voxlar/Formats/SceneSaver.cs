@@ -15,8 +15,12 @@ internal static class SceneSaver
             throw new ExportException("The name of the file to write is empty.");
         if (Directory.Exists(fileName))
             throw new ExportException($"{name}: it is a folder.");
+        if (fileName.Contains('\0', StringComparison.Ordinal))
+            throw new ExportException($"{name}: it cannot be written: Null character in path.");
         format ??= FormatDetector.ByName(fileName) ?? throw new ExportException(
-            $"{name}: the extension '{Path.GetExtension(fileName)}' tells no known format.");
+            Path.GetExtension(fileName) is { Length: > 0 } extension
+                ? $"{name}: the extension '{extension}' tells no known format."
+                : $"{name}: it has no extension that tells a format.");
         options ??= format.CreateSaveOptions();
         string path = Path.GetFullPath(fileName);
         using SaveTransaction files = new(Path.GetDirectoryName(path));
