@@ -1,6 +1,6 @@
 #include "exchange/exchange_host.h"
 
-#include "exchange/host_base.h"
+#include "exchange/binding.h"
 #include "host/host_environment.h"
 
 #include <array>
@@ -29,7 +29,7 @@ constexpr auto BindingOrder = [] {
 }  // namespace
 
 // A constant-initialised object instead of a function-local one: freeing a handle pays for no guard.
-constinit ExchangeHost ExchangeHost::m_instance;
+ExchangeHost ExchangeHost::m_instance;
 
 bool ExchangeHost::initialize(const char* assembly) {
     m_assembly = assembly;
