@@ -91,7 +91,11 @@ internal sealed class GltfMeshReader
             {
                 throw first.Place.Child("targets").Fault("morph targets of lines are not supported");
             }
-            ReadMeshExtras(json, entity);
+            if (first.EntityExtras is GltfJson own)
+                GltfExtras.Read(own, entity, null);
+            else
+                ReadMeshExtras(json, entity);
+            GltfExtensionData.Read(json, entity);
             ReadPrimitiveExtras(primitives, group, entity);
             content.Entities.Add(entity);
         }
@@ -107,13 +111,14 @@ internal sealed class GltfMeshReader
             entity.SetProperty(GltfNames.PrimitiveExtras, extras);
     }
 
-    // The name of the entity is read as such.
+    // What belongs to the entity is read as such.
     private static object? PrimitiveExtras(GltfJson told)
     {
         object? value = GltfValues.FromJson(told.Element);
-        if (value is not Dictionary<string, object?> members || !members.Remove(GltfNames.EntityName))
+        if (value is not Dictionary<string, object?> members)
             return value;
-        return members.Count > 0 ? members : null;
+        bool isOwn = members.Remove(GltfNames.EntityName) | members.Remove(GltfNames.EntityExtras);
+        return isOwn && members.Count == 0 ? null : members;
     }
 
     // Compressed data may come with a plain copy, and then need not be understood; without one there is
@@ -130,7 +135,6 @@ internal sealed class GltfMeshReader
         // The names of morph targets are read as the names of the channels.
         if (json.TryGet(GltfNames.Extras, out GltfJson extras))
             GltfExtras.Read(extras, entity, "targetNames");
-        GltfExtensionData.Read(json, entity);
     }
 
     /// <summary>

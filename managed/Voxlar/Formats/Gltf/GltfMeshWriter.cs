@@ -60,8 +60,8 @@ internal sealed class GltfMeshWriter
                 AddLine(primitives, line, nodeMaterials);
             else
                 AddGeometry(primitives, (Geometry)entity, nodeMaterials);
-            if (entity.Name != entities[0].Name && _options.SaveExtras)
-                SetEntityName(primitives, first, entity.Name);
+            if (entity != entities[0] && _options.SaveExtras)
+                SetOwnNameAndExtras(primitives, first, entity, entities[0]);
         }
         json["primitives"] = primitives;
         WriteMorphMembers(json, entities[0]);
@@ -74,17 +74,30 @@ internal sealed class GltfMeshWriter
     internal static bool HasOwnPlace(string name) =>
         name is GltfNames.MaterialIndex or GltfNames.PrimitiveExtras || GltfLines.IsAttribute(name);
 
-    // The mesh goes by the name of its first entity; the others keep theirs on their primitives.
-    private static void SetEntityName(JsonArray primitives, int first, string name)
+    // The mesh has the name and the extras of its first entity; others keep theirs on their primitives.
+    private static void SetOwnNameAndExtras(JsonArray primitives, int first, Entity entity, Entity leader)
     {
+        JsonNode? own = ExtrasOf(entity);
+        bool hasOwnExtras = !JsonNode.DeepEquals(own, ExtrasOf(leader));
         for (int i = first; i < primitives.Count; i++)
         {
             var primitive = (JsonObject)primitives[i]!;
-            if (primitive["extras"] is null)
-                primitive["extras"] = new JsonObject();
-            if (primitive["extras"] is JsonObject extras)
-                extras[GltfNames.EntityName] = name;
+            if (primitive["extras"] is not JsonObject extras)
+                extras = [];
+            if (entity.Name != leader.Name)
+                extras[GltfNames.EntityName] = entity.Name;
+            if (hasOwnExtras)
+                extras[GltfNames.EntityExtras] = own?.DeepClone() ?? new JsonObject();
+            if (extras.Count > 0 && extras.Parent is null)
+                primitive["extras"] = extras;
         }
+    }
+
+    private static JsonNode? ExtrasOf(Entity entity)
+    {
+        var holder = new JsonObject();
+        GltfExtras.Write(holder, entity, HasOwnPlace);
+        return holder["extras"];
     }
 
     private string KeyOf(List<Entity> entities, IList<Material> nodeMaterials)

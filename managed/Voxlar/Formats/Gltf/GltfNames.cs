@@ -29,6 +29,7 @@ internal static class GltfNames
     internal const string SkeletonRoot = "SkeletonRoot";
     internal const string MaterialIndex = "MaterialIndex";
     internal const string EntityName = "entityName";
+    internal const string EntityExtras = "entityExtras";
     internal const string PrimitiveExtras = "PrimitiveExtras";
     internal const string FreeAspectRatio = "FreeAspectRatio";
 

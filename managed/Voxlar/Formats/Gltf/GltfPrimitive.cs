@@ -2,6 +2,7 @@ using System;
 using System.Collections.Generic;
 using System.Globalization;
 using System.Text;
+using System.Text.Json;
 
 namespace Velbor.Voxlar.Formats.Gltf;
 
@@ -49,9 +50,12 @@ internal sealed class GltfPrimitive
     /// </summary>
     internal string? EntityName { get; private init; }
 
+    /// <summary>The extras of the entity where they are others than the mesh's.</summary>
+    internal GltfJson? EntityExtras { get; private init; }
+
     /// <summary>Primitives of one key can be one entity; points never are.</summary>
-    internal string? GroupKey => IsTriangles ? $"t{Layout}{EntityName}"
-        : IsLines ? $"l{Layout}{Block}{Material} {EntityName}" : null;
+    internal string? GroupKey => IsTriangles ? $"t{Layout}{EntityName} {EntityExtras}"
+        : IsLines ? $"l{Layout}{Block}{Material} {EntityName} {EntityExtras}" : null;
 
     /// <summary>What the attributes are called: primitives of one layout can share a geometry.</summary>
     internal string Layout { get; private set; } = string.Empty;
@@ -88,20 +92,17 @@ internal sealed class GltfPrimitive
             Attributes = attributes,
             Targets = targets,
             VertexCount = count,
-            EntityName = EntityNameOf(json),
+            EntityName = OwnExtra(json, GltfNames.EntityName, JsonValueKind.String)?.AsString(),
+            EntityExtras = OwnExtra(json, GltfNames.EntityExtras, JsonValueKind.Object),
         };
         primitive.Describe();
         return primitive;
     }
 
-    // Extras are free: what is no name here is left to whoever wrote it.
-    private static string? EntityNameOf(GltfJson json)
-    {
-        bool isTold = json.TryGet(GltfNames.Extras, out GltfJson extras)
-            && extras.TryGet(GltfNames.EntityName, out GltfJson name)
-            && name.Element.ValueKind == System.Text.Json.JsonValueKind.String;
-        return isTold ? extras.StringOrNull(GltfNames.EntityName) : null;
-    }
+    // Extras are free: what has another form is left to whoever wrote it.
+    private static GltfJson? OwnExtra(GltfJson json, string name, JsonValueKind kind) =>
+        json.TryGet(GltfNames.Extras, out GltfJson extras) && extras.TryGet(name, out GltfJson value)
+            && value.Element.ValueKind == kind ? value : null;
 
     private static SortedDictionary<string, int> ReadAttributes(GltfJson json, GltfAccessors accessors)
     {

@@ -312,12 +312,9 @@ internal sealed class GltfSceneWriter
         SkinDeformer? skin = entity is Geometry geometry ? GltfSkinWriter.SkinOf(geometry, _context) : null;
         int joints = skin is { Bones.Count: > 0 } ? _skins.IndexOf(skin) : -1;
         List<MorphTargetChannel> channels = GltfMorphs.ChannelsOf(entity);
-        var extras = new JsonObject();
-        if (_options.SaveExtras)
-            GltfExtras.Write(extras, entity, GltfMeshWriter.HasOwnPlace);
         string weights = string.Join(' ',
             channels.ConvertAll(static channel => $"{channel.Name}={channel.ChannelWeight}"));
-        string key = $"{joints}|{weights}|{extras.ToJsonString()}";
+        string key = $"{joints}|{weights}";
         List<Entity>? group = groups.Find(item => item.Key == key).Entities;
         if (group is null)
             groups.Add((key, [entity]));

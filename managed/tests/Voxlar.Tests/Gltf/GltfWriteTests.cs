@@ -477,11 +477,15 @@ public class GltfWriteTests
         var scene = new Scene();
         Node node = scene.RootNode.CreateChildNode("n", Square());
         node.AddEntity(line);
+        line.SetProperty("own", 1);
+        node.Entities[0].SetProperty("first", true);
         node.AddEntity(new Mesh("second") { ControlPoints = { new Vector4(1, 1, 1) } });
         foreach (Scene after in GltfSample.ThroughBothForms(scene))
         {
             Assert.Equal(["square", "ways", "second"], First(after).Entities.Select(e => e.Name));
             Assert.Equal(chains, ((Line)First(after).Entities[1]).Segments);
+            Assert.Equal(1, First(after).Entities[1].GetProperty("own"));
+            Assert.Equal([true, null, null], First(after).Entities.Select(e => e.GetProperty("first")));
             Assert.Null(First(after).Entities[1].GetProperty("PrimitiveExtras"));
             Assert.Empty(First(after).ChildNodes);
         }
