@@ -318,7 +318,7 @@ def entry(name: str, native: str, arguments: tuple[str, ...], body: str, failure
     """One entry point: the body in the one block that lets no exception out. A failure is a status to answer with."""
     lines = ["    [UnmanagedCallersOnly]", f"    public static {native} {name}({', '.join(arguments)})", "    {"]
     lines += ["        try", "        {"]
-    lines += [f"            {line}" for line in body.splitlines()]
+    lines += [f"            {line}".rstrip() for line in body.splitlines()]
     lines += ["        }", "        catch (Exception e)", "        {"]
     if failure is not None:
         lines.append(f"            return Errors.Report(e, {failure});")
@@ -559,6 +559,9 @@ class GenericClass:
         view = f"({self.view})Handles.Get(self)"
         # The array or list class itself where the helper has a form for it; an interface costs more to go through.
         own = f"({self.managed if self.kind == 'Array' else self.view})Handles.Get(self)"
+        array = self.kind == "Array"
+        length = f"({own}).Length" if array else f"Lists.Count<{self.t}>(Handles.Get(self))"
+        get = f"Lists.Get({own}" if array else "Lists.GetFrom(Handles.Get(self)"
         # What counts, finds, adds and removes.
         counted = f"(ICollection<{self.t}>)Handles.Get(self)"
         value, (native,) = self.value.value, self.value.native
@@ -567,7 +570,7 @@ class GenericClass:
         taken = f"if (status != Lists.Done)\n{{\n    return status;\n}}\n\n{self.give}"
         typed = f"<{self.t}>"
         simple: dict[str, tuple[str, tuple[str, ...], str]] = {
-            "SqLength": ("int", (), f"return ({own}).{'Length' if self.kind == 'Array' else 'Count'};"),
+            "SqLength": ("int", (), f"return {length};"),
             "SqContains": ("int", (native,), f"return ({counted}).Contains({value}) ? 1 : 0;"),
             "CountOf": ("int", (native,), f"return Lists.CountOf{typed}({view}, {value});"),
             "Add": ("void", (native,), f"({counted}).Add({value});"),
@@ -576,7 +579,7 @@ class GenericClass:
             "SqGetItem": (
                 "int",
                 (index, result),
-                f"int status = Lists.Get({own}, index, out {self.t} item);\n{taken}",
+                f"int status = {get}, index, out {self.t} item);\n{taken}",
             ),
             "SqSetItem": ("int", (index, native), f"return Lists.Set({own}, index, {value});"),
             "SqSetItemNoChek": ("void", (index, native), f"({own})[index] = {value};"),
@@ -619,9 +622,7 @@ class GenericClass:
             "MoveNext": (
                 "int",
                 (result,),
-                "PythonThread.Enter();\n"
-                f"{self.managed} items = {view};\nif (!items.MoveNext())\n{{\n    return 1;\n}}\n\n"
-                f"{self.t} item = items.Current;\n{self.give}",
+                f"if (!Lists.Next(Handles.Get(self), out {self.t} item))\n{{\n    return 1;\n}}\n\n{self.give}",
             ),
         }
         if name == "SqGetItemNoCheck":

@@ -1,4 +1,5 @@
 using System;
+using System.Runtime.Intrinsics;
 using System.Text;
 
 namespace Velbor.WrpGen.Interop;
@@ -18,7 +19,7 @@ internal static unsafe class Strings
             ? ""
             : text->CharSize switch
             {
-                1 => Encoding.Latin1.GetString((byte*)text->Chars, text->Length),
+                1 => FromLatin1((byte*)text->Chars, text->Length),
                 2 => new string((char*)text->Chars, 0, text->Length),
                 4 => FromCodePoints((uint*)text->Chars, text->Length),
                 _ => throw new ArgumentException($"A character of {text->CharSize} bytes is unknown."),
@@ -65,6 +66,29 @@ internal static unsafe class Strings
             }
 
             at++;
+        }
+
+        return text;
+    }
+
+    /// <summary>Widens each byte; names are short, so this spares what an encoding asks before it begins.</summary>
+    private static string FromLatin1(byte* bytes, int count)
+    {
+        string text = new('\0', count);
+        fixed (char* chars = text)
+        {
+            int at = 0;
+            for (; at + Vector128<byte>.Count <= count; at += Vector128<byte>.Count)
+            {
+                (Vector128<ushort> low, Vector128<ushort> high) = Vector128.Widen(Vector128.Load(bytes + at));
+                low.Store((ushort*)chars + at);
+                high.Store((ushort*)chars + at + Vector128<ushort>.Count);
+            }
+
+            for (; at < count; at++)
+            {
+                chars[at] = (char)bytes[at];
+            }
         }
 
         return text;

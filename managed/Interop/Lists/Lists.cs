@@ -15,6 +15,24 @@ internal static class Lists
     public const int Empty = 1;
     public const int OutOfRange = 2;
 
+    // Entry points are compiled once and never again, while these become faster with use: the runtime learns which
+    // classes come and calls them directly. So what is hot is asked for here, the cast included.
+
+    /// <summary>Whether the enumerator has one more element.</summary>
+    public static bool Next<T>(object enumerator, out T item)
+    {
+        IEnumerator<T> items = (IEnumerator<T>)enumerator;
+        bool found = items.MoveNext();
+        item = found ? items.Current : default!;
+        return found;
+    }
+
+    /// <summary>How many elements a collection has.</summary>
+    public static int Count<T>(object collection) => ((ICollection<T>)collection).Count;
+
+    /// <summary>The element of a list at an index that the caller has made non-negative.</summary>
+    public static int GetFrom<T>(object list, int index, out T value) => Get((IList<T>)list, index, out value);
+
     /// <summary>The element at an index that the caller has made non-negative.</summary>
     public static int Get<T>(IList<T> list, int index, out T value)
     {
