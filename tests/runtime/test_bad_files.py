@@ -256,10 +256,11 @@ class Full(io.RawIOBase):
         return True
 
     def write(self, data: Any) -> int:
-        if len(data) > self.room - len(self.content):
+        content = bytes(data)
+        if len(content) > self.room - len(self.content):
             raise OSError(28, "No space left on device")
-        self.content += bytes(data)
-        return len(data)
+        self.content += content
+        return len(content)
 
 
 def box_scene() -> Scene:
@@ -303,11 +304,8 @@ def test_a_save_that_is_refused_midway(tmp_path: Path) -> None:
         assert len(memory.file_names) == 0
 
 
-def test_an_archive_that_cannot_be_written(tmp_path: Path) -> None:
-    packed = io.BytesIO(b"PK\x05\x06" + b"\0" * 18)
-    with ZipArchiveFileSystem(packed) as files, pytest.raises(RuntimeError, match=r"^Proxy error\("):
-        files.write_file("x", None)
+def test_what_is_no_archive(tmp_path: Path) -> None:
     path = tmp_path / "no.zip"
     path.write_bytes(b"PK no archive")
-    with pytest.raises(RuntimeError, match=r"^Proxy error\("):
-        ZipArchiveFileSystem(str(path))
+    with pytest.raises(RuntimeError, match=r"^Proxy error\("), ZipArchiveFileSystem(str(path)) as files:
+        files.read_file("x", None)
