@@ -28,6 +28,7 @@ internal sealed class GltfAccessors
     private readonly GltfJson[] _buffers;
     private readonly Accessor?[] _parsed;
     private readonly ReadOnlyMemory<byte>?[] _contents;
+    private readonly byte[]?[] _decoded;
     private readonly ReadOnlyMemory<byte>? _binaryChunk;
     private readonly ReadContext _context;
     private long _budget = BaseBudget;
@@ -39,6 +40,7 @@ internal sealed class GltfAccessors
         _buffers = root.Objects("buffers");
         _parsed = new Accessor?[_accessors.Length];
         _contents = new ReadOnlyMemory<byte>?[_buffers.Length];
+        _decoded = new byte[]?[_views.Length];
         _binaryChunk = binaryChunk;
         _context = context;
     }
@@ -281,14 +283,34 @@ internal sealed class GltfAccessors
     private ReadOnlyMemory<byte> View(int index, out long stride)
     {
         GltfJson view = _views[index];
-        view.Require("buffer");
-        int buffer = view.Index("buffer", _buffers.Length, "buffer");
-        long offset = view.Count("byteOffset", 0);
-        long length = view.RequireCount("byteLength");
         stride = view.Count("byteStride", 0);
         if (stride > 252)
             throw view.Place.Child("byteStride").Fault(
                 $"a stride of {stride} bytes is not allowed; 252 is the most");
+        if (view.TryGetExtension(GltfNames.MeshoptCompression, out GltfJson compressed))
+            return _decoded[index] ??= Decode(view, compressed);
+        return Range(view);
+    }
+
+    private byte[] Decode(GltfJson view, GltfJson compressed)
+    {
+        byte[] content = MeshoptDecoder.Decode(compressed, Range(compressed).Span);
+        if (content.Length != view.RequireCount("byteLength"))
+            throw view.Place.Fault(
+                $"the view tells {view.RequireCount("byteLength")} bytes, {content.Length} come out of it");
+        _budget += (long)content.Length * BudgetPerInputByte;
+        return content;
+    }
+
+    /// <summary>
+    /// The bytes that a view, or what stands in for it, tells by buffer, offset and length.
+    /// </summary>
+    private ReadOnlyMemory<byte> Range(GltfJson view)
+    {
+        view.Require("buffer");
+        int buffer = view.Index("buffer", _buffers.Length, "buffer");
+        long offset = view.Count("byteOffset", 0);
+        long length = view.RequireCount("byteLength");
         ReadOnlyMemory<byte> content = Buffer(buffer);
         if (offset > content.Length || length > content.Length - offset)
             throw view.Place.Fault(

@@ -17,6 +17,7 @@ internal static class GltfNames
     internal const string NodeVisibility = "KHR_node_visibility";
     internal const string WebpImages = "EXT_texture_webp";
     internal const string BasisImages = "KHR_texture_basisu";
+    internal const string MeshoptCompression = "EXT_meshopt_compression";
     internal const string Draco = "KHR_draco_mesh_compression";
 
     internal const string AlphaMode = "AlphaMode";
@@ -44,7 +45,7 @@ internal static class GltfNames
     /// </summary>
     internal static bool IsUnderstood(string extension) => extension is
         LightsPunctual or TextureTransform or MeshQuantization or SpecularGlossiness or MaterialsSpecular
-        or NodeVisibility or WebpImages or BasisImages or MaterialsCommon
+        or NodeVisibility or WebpImages or BasisImages or MaterialsCommon or MeshoptCompression
         || IsCarriedMaterialExtension(extension);
 
     // Only their values and textures matter, and both survive as dynamic properties and texture slots.

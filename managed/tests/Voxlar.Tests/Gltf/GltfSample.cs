@@ -48,6 +48,26 @@ internal sealed class GltfSample
         return views.Count - 1;
     }
 
+    /// <summary>A view whose bytes are compressed.</summary>
+    public int Compressed(byte[] bytes, int stride, int count, string mode, string filter = "NONE")
+    {
+        int index = View(bytes);
+        var view = (JsonObject)views[index]!;
+        JsonNode offset = view["byteOffset"]!.DeepClone();
+        view["byteLength"] = stride * count;
+        view["byteOffset"] = 0;
+        view["extensions"] = new JsonObject
+        {
+            ["EXT_meshopt_compression"] = new JsonObject
+            {
+                ["buffer"] = 0, ["byteOffset"] = offset, ["byteLength"] = bytes.Length, ["byteStride"] =
+                    stride,
+                ["count"] = count, ["mode"] = mode, ["filter"] = filter,
+            },
+        };
+        return index;
+    }
+
     private int Add(string type, int componentType, ReadOnlySpan<byte> bytes, int count, bool normalized)
     {
         int components = type switch { "SCALAR" => 1, "VEC2" => 2, "VEC3" => 3, "MAT4" => 16, _ => 4 };
