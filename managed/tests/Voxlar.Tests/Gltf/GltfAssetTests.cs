@@ -69,6 +69,77 @@ public class GltfAssetTests(ITestOutputHelper output)
     }
 
     [AssetsFact]
+    public void Scenes_of_other_formats_become_valid_documents_with_all_their_triangles()
+    {
+        var problems = new List<string>();
+        using var folder = new TemporaryFolder();
+        int count = 0;
+        foreach (string format in new[] { "obj", "stl", "ply" })
+        {
+            string files = Path.Combine(AssetsFactAttribute.Folder!, format);
+            foreach (string path in Directory.EnumerateFiles(files, "*." + format, SearchOption.AllDirectories))
+            {
+                if (TryOpen(path) is not Scene scene)
+                    continue;
+                string target = folder.File("out.glb");
+                scene.Save(target);
+                count++;
+                foreach (string problem in GltfStructure.ProblemsOf(target))
+                    problems.Add($"{path}: {problem}");
+                (int nodes, long triangles) = (NodesOf(scene), TrianglesOf(scene));
+                var after = new Scene(target);
+                if ((nodes, triangles) != (NodesOf(after), TrianglesOf(after)))
+                    problems.Add($"{path}: {nodes} nodes, {triangles} triangles became "
+                        + $"{NodesOf(after)} nodes, {TrianglesOf(after)} triangles");
+            }
+        }
+        Assert.True(problems.Count == 0, string.Join('\n', problems));
+        Assert.True(count > 20, $"only {count} files could be opened");
+    }
+
+    // What the reader of the other format refuses is its own matter.
+    private static Scene? TryOpen(string path)
+    {
+        try
+        {
+            return new Scene(path);
+        }
+        catch (ImportException)
+        {
+            return null;
+        }
+    }
+
+    private static int NodesOf(Scene scene)
+    {
+        var nodes = new List<Node>();
+        Collect(scene, nodes);
+        return nodes.Count;
+    }
+
+    private static long TrianglesOf(Scene scene)
+    {
+        var nodes = new List<Node>();
+        Collect(scene, nodes);
+        var meshes = new HashSet<Mesh>();
+        foreach (Node node in nodes)
+        {
+            foreach (Entity entity in node.Entities)
+            {
+                if (entity is Mesh mesh)
+                    meshes.Add(mesh);
+            }
+        }
+        long triangles = 0;
+        foreach (Mesh mesh in meshes)
+        {
+            for (int i = 0; i < mesh.PolygonCount; i++)
+                triangles += mesh.GetPolygonSize(i) - 2;
+        }
+        return triangles;
+    }
+
+    [AssetsFact]
     public void Files_that_are_not_supported_are_refused_by_name()
     {
         foreach ((string name, string word) in refused)
