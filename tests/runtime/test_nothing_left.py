@@ -46,11 +46,18 @@ def ignore(error: type, call: Callable[[], Any]) -> Callable[[], None]:
     return failing
 
 
-def glb() -> bytes:
+FORMATS = {
+    name: getattr(FileFormat, name)
+    for name in ("GLTF2", "GLTF2_BINARY", "WAVEFRONT_OBJ", "STLASCII", "STL_BINARY", "PLY")
+    if getattr(FileFormat, name).can_import and getattr(FileFormat, name).can_export
+}
+
+
+def saved(file_format: FileFormat) -> bytes:
     scene = Scene()
     scene.root_node.create_child_node("box", Box())
     stream = io.BytesIO()
-    scene.save(stream, FileFormat.GLTF2_BINARY)
+    scene.save(stream, file_format)
     return stream.getvalue()
 
 
@@ -60,11 +67,7 @@ def fixtures() -> Dict[str, Any]:
     mesh = Mesh()
     mesh.control_points.extend([Vector4(0.0, 0.0, 0.0, 1.0)] * 4)
     mesh.create_polygon(0, 1, 2)
-    return {"node": node, "box": Box(), "mesh": mesh, "scene": Scene(), "content": glb(), "vector": Vector3(1.0, 2.0, 3.0)}
-
-
-def save_to_stream(scene: Any) -> None:
-    scene.save(io.BytesIO(), FileFormat.GLTF2_BINARY)
+    return {"node": node, "box": Box(), "mesh": mesh, "scene": Scene(), "vector": Vector3(1.0, 2.0, 3.0)}
 
 
 def memory_file() -> None:
@@ -155,10 +158,24 @@ OPERATIONS: Dict[str, Tuple[Callable[[Dict[str, Any]], Any], float]] = {
     "outputs by list": (lambda f: decompose(), 1),
     "properties of any kind": (lambda f: properties(f["node"]), 0.2),
     "found objects": (lambda f: (f["node"].select_objects("//*"), f["node"].select_single_object("//x")), 0.5),
-    "reading a stream": (lambda f: f["scene"].open(io.BytesIO(f["content"])), 0.05),
-    "writing a stream": (lambda f: save_to_stream(f["scene"]), 0.05),
+    **{
+        f"reading {name}": (lambda f, content=saved(file_format): f["scene"].open(io.BytesIO(content)), 0.1)
+        for name, file_format in FORMATS.items()
+    },
+    **{
+        f"writing {name}": (lambda f, file_format=file_format: saved(file_format), 0.1)
+        for name, file_format in FORMATS.items()
+    },
+    **{
+        f"reading half of {name}": (
+            lambda f, half=saved(file_format)[:-200]: ignore(RuntimeError, lambda: f["scene"].open(io.BytesIO(half)))(),
+            0.1,
+        )
+        for name, file_format in FORMATS.items()
+        if name not in ("WAVEFRONT_OBJ",)  # any first lines of it are a whole file
+    },
     "files in memory": (lambda f: memory_file(), 0.5),
-    "bytes as a stream": (lambda f: BytesAsStream(f["content"]), 1),
+    "bytes as a stream": (lambda f: BytesAsStream(b"content"), 1),
     # What fails.
     "a refused double": (lambda f: ignore(TypeError, lambda: setattr(f["box"], "length", 1))(), 1),
     "a refused struct": (lambda f: ignore(TypeError, lambda: setattr(f["node"].transform, "scale", None))(), 1),
