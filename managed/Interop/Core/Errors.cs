@@ -16,31 +16,29 @@ internal sealed class PythonException : Exception
     }
 }
 
-/// <summary>
-/// A Python exception is pending and shall reach the caller as it is: the entry point only has to return.
-/// Used where a value of a result cannot be made, since nothing managed can act on that.
-/// </summary>
-internal sealed class PendingPythonException : Exception
-{
-}
-
 /// <summary>Carries exceptions over the boundary, in both directions.</summary>
 internal static unsafe class Errors
 {
     /// <summary>
-    /// Turns a managed exception into the Python exception that the native caller finds pending.
+    /// Turns a managed exception into the Python exception that the native caller finds pending. It runs where
+    /// nothing may be thrown any more, so an exception that cannot tell its own text is reported without one.
     /// </summary>
     [MethodImpl(MethodImplOptions.NoInlining)]
     public static void Report(Exception error)
     {
-        if (error is PendingPythonException)
+        PyObject* kind = null;
+        PyObject* message = null;
+        try
         {
-            return;
+            Exception cause = error is TargetInvocationException { InnerException: { } inner } ? inner : error;
+            kind = Text(cause.GetType().Name);
+            message = Text(FullMessage(cause));
+        }
+        catch (Exception)
+        {
+            // The native side says "<unknown>" in the place of what is missing.
         }
 
-        Exception cause = error is TargetInvocationException { InnerException: { } inner } ? inner : error;
-        PyObject* kind = Text(cause.GetType().Name);
-        PyObject* message = Text(FullMessage(cause));
         PyCallbacks.on_clr_exception(kind, message);
     }
 

@@ -74,16 +74,37 @@ internal static unsafe class ExchangeHost
     [UnmanagedCallersOnly]
     public static void FreeInstance(void* handle)
     {
-        Handles.Free(handle);
-        if (PendingReleases.Any)
+        try
         {
-            PythonThread.Enter();
+            Handles.Free(handle);
+            if (PendingReleases.Any)
+            {
+                PythonThread.Enter();
+            }
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
         }
     }
 
-    /// <summary>Everything is handed over: warms what the first error would otherwise pay for.</summary>
+    /// <summary>
+    /// Everything is handed over. When the runtime ends, Python is going or gone: from then on no reference is given
+    /// back to it.
+    /// </summary>
     [UnmanagedCallersOnly]
-    public static void InitServices() => PythonThread.Enter();
+    public static void InitServices()
+    {
+        try
+        {
+            PythonThread.Enter();
+            AppDomain.CurrentDomain.ProcessExit += static (_, _) => PendingReleases.End();
+        }
+        catch (Exception e)
+        {
+            Errors.Report(e);
+        }
+    }
 
     /// <summary>A handle of the struct as an object; the struct's own handle stays the caller's.</summary>
     [UnmanagedCallersOnly]
@@ -116,49 +137,5 @@ internal static class TypeNames
         }
 
         return type.FullName ?? type.Name;
-    }
-}
-
-/// <summary>
-/// Entry points for whoever watches over the process: tests, and the hook that runs when Python ends.
-/// </summary>
-internal static unsafe class Lifetime
-{
-    /// <summary>How many handles are living.</summary>
-    [UnmanagedCallersOnly]
-    public static int LivingHandles() => Handles.Living;
-
-    /// <summary>How many frees were refused because the handle was not living.</summary>
-    [UnmanagedCallersOnly]
-    public static long RefusedFrees() => Handles.RefusedFrees;
-
-    /// <summary>Collects, runs finalizers and gives queued Python references back.</summary>
-    [UnmanagedCallersOnly]
-    public static void Collect()
-    {
-        try
-        {
-            GC.Collect();
-            GC.WaitForPendingFinalizers();
-            PythonThread.Enter();
-        }
-        catch (Exception e)
-        {
-            Errors.Report(e);
-        }
-    }
-
-    /// <summary>Python is ending: references that finalizers queue from now on are dropped.</summary>
-    [UnmanagedCallersOnly]
-    public static void PythonEnds()
-    {
-        try
-        {
-            PendingReleases.End();
-        }
-        catch (Exception e)
-        {
-            Errors.Report(e);
-        }
     }
 }

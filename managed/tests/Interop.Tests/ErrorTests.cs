@@ -61,11 +61,11 @@ public unsafe class ErrorTests : InteropTest
     }
 
     [Fact]
-    public void An_error_that_shall_stay_pending_is_left_alone()
+    public void An_exception_that_cannot_tell_its_text_is_reported_all_the_same()
     {
-        FakePython.Pending = ("TypeError", "own");
-        Errors.Report(new PendingPythonException());
-        Assert.Equal(("TypeError", "own"), FakePython.TakeError());
+        Errors.Report(new Mute());
+        Assert.Equal("Proxy error(Mute): <unknown>", FakePython.TakeError().Message);
+        Assert.Equal(0, FakePython.References);
     }
 
     [Fact]
@@ -92,6 +92,11 @@ public unsafe class ErrorTests : InteropTest
             dispose((void*)handle);
             Assert.StartsWith("Proxy error(InvalidCastException)", FakePython.TakeError().Message);
         });
+    }
+
+    private sealed class Mute : Exception
+    {
+        public override string Message => throw new InvalidOperationException();
     }
 
     private sealed class Thrower
