@@ -27,7 +27,7 @@ internal static class GlbContainer
     /// <exception cref="ImportException">The container is cut short or its lengths contradict each
     /// other.</exception>
     internal static (ReadOnlyMemory<byte> Json, ReadOnlyMemory<byte>? Binary) Split(ReadContext context,
-                                                                                   ReadOnlyMemory<byte> file)
+        ReadOnlyMemory<byte> file)
     {
         ReadOnlySpan<byte> bytes = file.Span;
         if (bytes.Length < HeaderSize)

@@ -51,7 +51,7 @@ internal sealed class GltfAccessors
 
     private sealed record Accessor(GltfPlace Place, int Count, int ComponentType, int Columns, int Rows,
         bool Normalized,
-                                   int View, long Offset, GltfJson? Sparse)
+            int View, long Offset, GltfJson? Sparse)
     {
         internal int Components => Columns * Rows;
 
@@ -171,7 +171,7 @@ internal sealed class GltfAccessors
         }
         return new Accessor(place, (int)count, (int)componentType, columns, rows,
             json.Bool("normalized", false), view,
-                            offset, sparse);
+                offset, sparse);
     }
 
     private static void CheckRange(GltfPlace place, string what, long available, long offset, long count,

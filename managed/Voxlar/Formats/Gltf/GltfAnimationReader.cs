@@ -26,7 +26,7 @@ internal sealed class GltfAnimationReader
     /// <param name="nodes">The nodes by index.</param>
     /// <param name="morphsOf">For the index of a node, the morph channels of each of its entities.</param>
     internal GltfAnimationReader(GltfJson root, GltfAccessors accessors, Node[] nodes,
-                                 Func<int, List<MorphTargetChannel[]>> morphsOf)
+        Func<int, List<MorphTargetChannel[]>> morphsOf)
     {
         _animations = root.Objects("animations");
         _accessors = accessors;

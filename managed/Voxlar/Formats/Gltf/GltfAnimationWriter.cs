@@ -24,8 +24,8 @@ internal sealed class GltfAnimationWriter
     private readonly bool _saveExtras;
 
     internal GltfAnimationWriter(GltfDocument document, IReadOnlyDictionary<Transform, int> nodeOfTransform,
-                                 IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> placeOfMorph,
-                                     bool saveExtras)
+        IReadOnlyDictionary<MorphTargetChannel, GltfMorphPlace> placeOfMorph,
+            bool saveExtras)
     {
         _document = document;
         _nodeOfTransform = nodeOfTransform;
@@ -167,7 +167,7 @@ internal sealed class GltfAnimationWriter
         return values =>
         {
             Quaternion rotation = isEuler ? FromDegrees(new Vector3(values[0], values[1], values[2]))
-                                          : new Quaternion(values[3], values[0], values[1], values[2]);
+                : new Quaternion(values[3], values[0], values[1], values[2]);
             return before.Concat(rotation).Concat(after);
         };
     }

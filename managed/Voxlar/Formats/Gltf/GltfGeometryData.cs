@@ -80,7 +80,7 @@ internal sealed class GltfGeometryData
                     isPosition)
                 : _document.AddVertexData(attribute.Bytes, attribute.Bytes!.Length / _vertices.Count,
                     attribute.ComponentType,
-                                         attribute.Components, part.First, part.Count);
+                        attribute.Components, part.First, part.Count);
         }
         return json;
     }
@@ -468,8 +468,8 @@ internal sealed class GltfGeometryData
                     continue;
                 int components = element is VertexElementUV ? 2 : semantic is "NORMAL" or "TANGENT" ? 3 : 4;
                 float[] changes = GltfMorphs.Differences(element.DataList, moved.DataList, shape, _vertices,
-                                                        element is VertexElementUV && _options.FlipTexCoordV
-                                                            ? -1 : 1, _context, components);
+                    element is VertexElementUV && _options.FlipTexCoordV
+                        ? -1 : 1, _context, components);
                 target.Add(new Attribute(semantic, components, changes, null, GltfComponents.Float));
             }
             _targets.Add(target);

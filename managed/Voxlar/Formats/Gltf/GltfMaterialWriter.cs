@@ -113,7 +113,7 @@ internal sealed class GltfMaterialWriter
         var content = new JsonObject
         {
             ["diffuseFactor"] = GltfValues.Factors(material.Diffuse.x, material.Diffuse.y, material.Diffuse.z,
-                                                   1 - material.Transparency),
+                1 - material.Transparency),
             ["specularFactor"] =
                 GltfValues.Factors(material.Specular.x, material.Specular.y, material.Specular.z),
             ["glossinessFactor"] = GltfValues.Factor(material.GlossinessFactor),

@@ -182,20 +182,8 @@ internal sealed class GltfMeshReader
         var mesh = new Mesh(name);
         List<(GltfPrimitive Primitive, int Start)> blocks = Blocks(primitives, group, out int[] starts);
         FillGeometry(mesh, blocks);
-        var groupOfPolygon = new List<int>();
-        for (int i = 0; i < group.Count; i++)
-        {
-            int[] corners = primitives[group[i]].ReadTriangles(_accessors);
-            int start = starts[i];
-            if (start != 0)
-            {
-                for (int k = 0; k < corners.Length; k++)
-                    corners[k] += start;
-            }
-            AddTriangles(mesh, corners);
-            for (int k = 0; k < corners.Length; k += 3)
-                groupOfPolygon.Add(i);
-        }
+        List<int[]> corners = group.ConvertAll(index => primitives[index].ReadTriangles(_accessors));
+        int[] groupOfPolygon = AddTriangles(mesh, corners, starts);
         // Where materials do not tell the primitives apart, groups of polygons do.
         var distinct = new HashSet<int>();
         foreach (int index in group)
@@ -207,18 +195,31 @@ internal sealed class GltfMeshReader
                 MappingMode = MappingMode.Polygon,
                 ReferenceMode = ReferenceMode.Direct,
             };
-            element.SetData([.. groupOfPolygon]);
+            element.SetData(groupOfPolygon);
             mesh.AddElement(element);
         }
         return mesh;
     }
 
-    private static void AddTriangles(Mesh mesh, int[] corners)
+    /// <summary>Adds the triangles of all primitives and gives the number of the primitive of each.</summary>
+    private static int[] AddTriangles(Mesh mesh, List<int[]> corners, int[] starts)
     {
+        int total = 0;
+        foreach (int[] part in corners)
+            total = checked(total + part.Length);
         PolygonStore polygons = mesh.PolygonStore;
-        polygons.EnsureCapacity(polygons.Count + corners.Length / 3, polygons.CornerCount + corners.Length);
-        for (int i = 0; i < corners.Length; i += 3)
-            polygons.Add(corners.AsSpan(i, 3));
+        polygons.EnsureCapacity(total / 3, total);
+        var primitiveOfPolygon = new int[total / 3];
+        for (int i = 0; i < corners.Count; i++)
+        {
+            int[] part = corners[i];
+            for (int k = 0; k < part.Length && starts[i] != 0; k++)
+                part[k] += starts[i];
+            primitiveOfPolygon.AsSpan(polygons.Count, part.Length / 3).Fill(i);
+            for (int k = 0; k < part.Length; k += 3)
+                polygons.Add(part.AsSpan(k, 3));
+        }
+        return primitiveOfPolygon;
     }
 
     /// <summary>
@@ -314,11 +315,7 @@ internal sealed class GltfMeshReader
             var indices = new List<int>();
             foreach (int index in group)
             {
-                int corners = primitives[index].Indices >= 0
-                    ? _accessors.ElementCount(primitives[index].Indices)
-                                                             : primitives[index].VertexCount;
-                int count = primitives[index].Mode == GltfPrimitive.Triangles ? corners / 3 : corners - 2;
-                for (int k = 0; k < count; k++)
+                for (int k = primitives[index].TriangleCount(_accessors); k > 0; k--)
                     indices.Add(slots[index]);
             }
             element.SetIndices([.. indices]);

@@ -14,7 +14,7 @@ internal static class GltfMorphReader
 {
     internal static MorphTargetDeformer Make(Geometry geometry, GltfJson mesh,
         List<(GltfPrimitive Primitive, int Start)> blocks,
-                                             GltfAccessors accessors, double[]? weights, bool flipV)
+            GltfAccessors accessors, double[]? weights, bool flipV)
     {
         var deformer = new MorphTargetDeformer(mesh.StringOrNull("name") ?? string.Empty);
         string[] names = NamesOf(mesh);
@@ -44,7 +44,7 @@ internal static class GltfMorphReader
 
     private static Shape MakeShape(string name, Geometry geometry,
         List<(GltfPrimitive Primitive, int Start)> blocks, int target,
-                                   GltfAccessors accessors, bool flipV)
+            GltfAccessors accessors, bool flipV)
     {
         var shape = new Shape(name);
         Vector4[] points = [.. geometry.ControlPoints];
@@ -84,7 +84,7 @@ internal static class GltfMorphReader
 
     private static void Add(Vector4[] values, List<(GltfPrimitive Primitive, int Start)> blocks, int target,
         string semantic,
-                            GltfAccessors accessors, double signOfV)
+            GltfAccessors accessors, double signOfV)
     {
         foreach ((GltfPrimitive primitive, int start) in blocks)
         {

@@ -84,7 +84,7 @@ internal static class GltfMorphs
     /// <param name="components">Components of a value.</param>
     internal static float[] Differences(List<Vector4> original, List<Vector4>? moved, Shape? shape,
         GltfVertices vertices,
-                                        double signOfY, WriteContext context, int components = 3)
+            double signOfY, WriteContext context, int components = 3)
     {
         var differences = new Vector4[original.Count];
         if (moved is not null)

@@ -158,6 +158,12 @@ internal sealed class GltfPrimitive
         return indices;
     }
 
+    internal int TriangleCount(GltfAccessors accessors)
+    {
+        int corners = Indices >= 0 ? accessors.ElementCount(Indices) : VertexCount;
+        return Mode == Triangles ? corners / 3 : corners - 2;
+    }
+
     /// <summary>
     /// The corners of all triangles, three by three, in the order and orientation that the mode tells.
     /// </summary>

@@ -55,7 +55,7 @@ internal sealed class GltfWriter : ISceneWriter
 
     private static void Finish(Stream stream, GltfDocument document, GltfSideFiles sideFiles,
         GltfSaveOptions options,
-                               bool isBinary, WriteContext context)
+            bool isBinary, WriteContext context)
     {
         if (isBinary)
         {
