@@ -96,14 +96,15 @@ internal sealed class SaveTransaction : IDisposable
         return stream;
     }
 
-    // Cleaning up goes as far as it can: a file that cannot be removed must not hide why the save failed.
+    // Cleaning up goes as far as it can: a file that cannot be removed must not hide why the save failed. Closing writes
+    // what is still buffered, and a file past the size limit of the process fails there with an argument exception.
     private static void Try(Action action)
     {
         try
         {
             action();
         }
-        catch (Exception e) when (e is IOException or UnauthorizedAccessException)
+        catch (Exception e) when (e is IOException or UnauthorizedAccessException or ArgumentException)
         {
         }
     }
