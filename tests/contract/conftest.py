@@ -3,9 +3,7 @@
 from __future__ import annotations
 
 import gc
-import os
 import sys
-import types
 from pathlib import Path
 from typing import Any, Iterator
 
@@ -17,29 +15,14 @@ sys.path.insert(0, str(_HERE))
 import scripted  # noqa: E402
 
 
-def _build_folder() -> Path:
-    """The build tree: the folder above the staged package on the path."""
-    for entry in sys.path:
-        if (Path(entry) / "velbor").is_dir() and (Path(entry).parent / "contract").is_dir():
-            return Path(entry).parent
-    pytest.exit("no build with a stand-in on PYTHONPATH: run `make test`", 2)
-    raise AssertionError
-
-
 @pytest.fixture(scope="session")
 def managed_session() -> scripted.ManagedSide:
     """The scripted side, installed before the module's import, once a process."""
-    build = _build_folder()
-    standin = scripted.load_standin(build / "contract/netcore10.0/libvelbor.embed.coreclrwrap.so")
-    side = scripted.ManagedSide(standin, build / "generated")
-    os.environ["NETCORE_WRAPPER_NETCORE_DIR_velbor"] = str(build / "contract")
-    os.environ["NETCORE_WRAPPER_ASSEMBLY_DIR_velbor"] = str(build / "contract")
-    # The package itself would look for a real runtime.
-    package = types.ModuleType("velbor")
-    package.__path__ = [str(build / "stage/velbor")]  # type: ignore[attr-defined]
-    sys.modules["velbor"] = package
-    __import__("velbor.voxlar")
-    return side
+    try:
+        return scripted.install()
+    except LookupError as error:
+        pytest.exit(str(error), 2)
+        raise
 
 
 @pytest.fixture

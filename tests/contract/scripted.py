@@ -13,7 +13,9 @@ from __future__ import annotations
 import ctypes
 import importlib.machinery
 import importlib.util
+import os
 import struct
+import sys
 from pathlib import Path
 from types import ModuleType
 from typing import Any, Callable, Dict, List, Optional, Set, Tuple
@@ -33,6 +35,31 @@ def load_standin(library: Path) -> ModuleType:
     module = importlib.util.module_from_spec(spec)
     loader.exec_module(module)
     return module
+
+
+def build_folder() -> Path:
+    """The build tree: the folder above the staged package on the path."""
+    for entry in sys.path:
+        if (Path(entry) / "velbor").is_dir() and (Path(entry).parent / "contract").is_dir():
+            return Path(entry).parent
+    raise LookupError("no build with a stand-in on PYTHONPATH: run `make test`")
+
+
+def install(prepare: Callable[[ManagedSide], None] = lambda side: None) -> ManagedSide:
+    """Puts the scripted side in place of the managed one and imports the module, once a process. `prepare` gets the
+    side before the import."""
+    build = build_folder()
+    standin = load_standin(build / "contract/netcore10.0/libvelbor.embed.coreclrwrap.so")
+    side = ManagedSide(standin, build / "generated")
+    prepare(side)
+    os.environ["NETCORE_WRAPPER_NETCORE_DIR_velbor"] = str(build / "contract")
+    os.environ["NETCORE_WRAPPER_ASSEMBLY_DIR_velbor"] = str(build / "contract")
+    # The package itself would look for a real runtime.
+    package = ModuleType("velbor")
+    package.__path__ = [str(build / "stage/velbor")]  # type: ignore[attr-defined]
+    sys.modules["velbor"] = package
+    __import__("velbor.voxlar")
+    return side
 
 
 class ManagedSide:
