@@ -125,7 +125,10 @@ def round_trip(scene: Any, summary: Summary, folder: Path, target: str) -> List[
         scene.save(str(path))
     except RuntimeError as error:
         return [f"{target}: refused: {str(error)[:140]}"]
-    again = summarize(Scene(str(path)))
+    try:
+        again = summarize(Scene(str(path)))
+    except RuntimeError as error:
+        return [f"{target}: NOT READ AGAIN: {str(error)[:140]}"]
     return [
         f"{target}: {name} {getattr(again, name)}, was {getattr(summary, name)}"
         for name in KEPT[target]

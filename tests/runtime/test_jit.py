@@ -19,7 +19,7 @@ from velbor.voxlar import FileFormat
 # The framework leaves some of its own code to run time: vectors of the machine's width, comparers, initialisers of
 # generic classes. What an import and a run need of that is counted, since a user waits for it all the same.
 AFTER_IMPORT = 3
-AFTER_DEMO = {"gltf": 90, "glb": 90, "obj": 90, "stl": 60, "ply": 60}
+AFTER_DEMO = {"gltf": 85, "glb": 85, "obj": 50, "stl": 40, "ply": 30}
 
 DEMO = """
     import sys
