@@ -2,6 +2,8 @@ using System;
 using System.Collections.Generic;
 using Velbor.Voxlar.Formats.Gltf;
 using Velbor.Voxlar.Formats.Obj;
+using Velbor.Voxlar.Formats.Ply;
+using Velbor.Voxlar.Formats.Stl;
 using Velbor.Voxlar.Formats.Zip;
 
 namespace Velbor.Voxlar.Formats;
@@ -16,7 +18,10 @@ internal static class FormatRegistry
     {
         [FileFormat.GLTF2] = new(() => new GltfReader(), () => new GltfWriter()),
         [FileFormat.GLTF2_Binary] = new(() => new GltfReader(), () => new GltfWriter()),
-        [FileFormat.WavefrontOBJ] = new(() => new ObjReader(), null),
+        [FileFormat.PLY] = new(() => new PlyReader(), () => new PlyWriter()),
+        [FileFormat.STLASCII] = new(() => new StlReader(), () => new StlWriter()),
+        [FileFormat.STLBinary] = new(() => new StlReader(), () => new StlWriter()),
+        [FileFormat.WavefrontOBJ] = new(() => new ObjReader(), () => new ObjWriter()),
         [FileFormat.Zip] = new(() => new ZipReader(), null),
     };
 

@@ -6,6 +6,8 @@ namespace Velbor.Voxlar.Formats.Obj;
 /// <summary>The keys of material libraries that name textures, and the slots in which these stand.</summary>
 internal static class MtlKeys
 {
+    private const string MapPrefix = "map_";
+
     // The first key of a slot is the one that is written. PbrSlot is null where it is the same.
     private static readonly (string Key, string Slot, string? PbrSlot)[] Maps =
     [
@@ -28,12 +30,14 @@ internal static class MtlKeys
         ("map_Pr", "Roughness", null),
         ("map_Pm", "Metallic", null),
         ("map_Ps", "Sheen", null),
-        ("map_RMA", "Occlusion", null),
         ("map_aat", "Antialiasing", null),
         ("map_opacity", "Opacity", null),
     ];
 
-    /// <summary>The slot that a key names; null when the key names no texture. Case does not count.</summary>
+    /// <summary>
+    /// The slot that a key names; null when the key names no texture. Case does not count. Slots that have no key are
+    /// called "map_" and their name.
+    /// </summary>
     public static string? SlotOf(string key, bool isPbr)
     {
         foreach ((string name, string slot, string? pbrSlot) in Maps)
@@ -41,20 +45,20 @@ internal static class MtlKeys
             if (name.Equals(key, StringComparison.OrdinalIgnoreCase))
                 return isPbr ? pbrSlot ?? slot : slot;
         }
-        return null;
+        return key.StartsWith(MapPrefix, StringComparison.Ordinal) ? key[MapPrefix.Length..] : null;
     }
 
-    /// <summary>The key that writes a slot; null when there is none.</summary>
-    public static string? KeyOf(string slot)
+    /// <summary>The key that writes a slot.</summary>
+    public static string KeyOf(string slot)
     {
         foreach ((string name, string phongSlot, string? pbrSlot) in Maps)
         {
             if (slot == phongSlot || slot == pbrSlot)
                 return name;
         }
-        return null;
+        return MapPrefix + slot;
     }
 
     /// <summary>Whether a key makes a material a physically based one.</summary>
-    public static bool IsPbr(string key) => key is "Pr" or "Pm" or "map_Pr" or "map_Pm" or "map_RMA";
+    public static bool IsPbr(string key) => key is "Pr" or "Pm" or "map_Pr" or "map_Pm";
 }

@@ -106,7 +106,7 @@ internal sealed class MtlReader
                 KeepDissolve(material, numbers[0], material.Transparency, statement);
                 return true;
             case "Tr":
-                material.Transparency = Number(statement);
+                material.Transparency = Transparency(statement);
                 return true;
             default:
                 return false;
@@ -134,12 +134,15 @@ internal sealed class MtlReader
                 KeepDissolve(material, numbers[0], material.Transparency, statement);
                 return true;
             case "Tr":
-                material.Transparency = Number(statement);
+                material.Transparency = Transparency(statement);
                 return true;
             default:
                 return false;
         }
     }
+
+    // Some programs write opacity under this key. A surface of which nothing is seen is not what they mean by 1.
+    private double Transparency(Statement statement) => Number(statement) is var told && told == 1 ? 0 : told;
 
     // A dissolve whose complement is rounded would not come back as it was.
     private static void KeepDissolve(Material material, double dissolve, double transparency, Statement statement)

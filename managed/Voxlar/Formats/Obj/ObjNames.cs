@@ -5,13 +5,15 @@ namespace Velbor.Voxlar.Formats.Obj;
 /// </summary>
 internal static class ObjNames
 {
-    /// <summary>On a geometry: the name of the object, where the geometry itself is called after a group.</summary>
+    /// <summary>
+    /// On an entity that is called after a group: the name of its object, empty where it has none.
+    /// </summary>
     public const string Object = "obj.object";
 
     /// <summary>On a mesh: string[], the group names; the polygon group element has places in it.</summary>
     public const string Groups = "obj.groups";
 
-    /// <summary>On a mesh: string[], the object of each of the groups, where there are several objects.</summary>
+    /// <summary>On a mesh: string[], the object of each of the groups, empty where it has none.</summary>
     public const string GroupObjects = "obj.groupObjects";
 
     /// <summary>On a mesh: int[], the smoothing group of each polygon, where a number is over 32.</summary>
@@ -28,6 +30,9 @@ internal static class ObjNames
 
     /// <summary>Before the key of a material library: on materials and textures, the raw value of a key.</summary>
     public const string Mtl = "mtl.";
+
+    /// <summary>In the place of the name of a material: elements from here on have none.</summary>
+    public const string NoMaterial = "(null)";
 
     /// <summary>The slot of the bump texture.</summary>
     public const string BumpSlot = "Bump";

@@ -121,7 +121,9 @@ internal sealed class ObjParser
             return;
         if (word.SequenceEqual("usemtl"u8))
         {
-            _material = IndexOf(_materials, _file.Materials, _text.RestOfLine());
+            string name = _text.RestOfLine();
+            _material = name == ObjNames.NoMaterial
+                ? ObjElements.None : IndexOf(_materials, _file.Materials, name);
             _isObj = true;
         }
         else if (word.SequenceEqual("mtllib"u8))
@@ -325,7 +327,8 @@ internal sealed class ObjParser
     // An object ends the group before it, unless the group was named just for it.
     private void Object()
     {
-        _object = _text.RestOfLine();
+        string name = _text.RestOfLine();
+        _object = name.Length == 0 ? null : name;
         if (_isGroupUsed)
             _groupName = null;
         SetGroup();

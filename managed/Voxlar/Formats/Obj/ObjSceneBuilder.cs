@@ -429,15 +429,14 @@ internal sealed class ObjSceneBuilder
         element.SetData(numbers);
         mesh.VertexElements.Add(element);
         mesh.SetProperty(ObjNames.Groups, groups.ConvertAll(group => group.Name ?? "").ToArray());
-        if (!sameObject || first.Object is not null)
-            mesh.SetProperty(ObjNames.GroupObjects, groups.ConvertAll(group => group.Object ?? "").ToArray());
+        mesh.SetProperty(ObjNames.GroupObjects, groups.ConvertAll(group => group.Object ?? "").ToArray());
     }
 
     private static void NameAfter(Entity entity, ObjGroup group)
     {
         entity.Name = group.Title;
-        if (group.Name is not null && group.Object is not null)
-            entity.SetProperty(ObjNames.Object, group.Object);
+        if (group.Name is not null)
+            entity.SetProperty(ObjNames.Object, group.Object ?? "");
     }
 
     private void BuildCloudOfAll()
