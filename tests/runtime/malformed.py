@@ -4,8 +4,10 @@ from __future__ import annotations
 
 import base64
 import copy
+import io
 import json
 import struct
+import zipfile
 from typing import Any, Callable, Dict, List, Optional, Tuple, Union
 
 Content = Union[str, bytes]
@@ -239,7 +241,31 @@ GLB: List[Case] = [
     ("not_json.glb", glb("\xff" * 20, BUFFER), FILE_ONLY),
 ]
 
-CASES: Dict[str, List[Case]] = {"obj": OBJ, "stl": STL, "ply": PLY, "gltf": GLTF + GLB}
+# --- archives -------------------------------------------------------------------------------------------------
+
+
+def archive(**files: Content) -> bytes:
+    content = io.BytesIO()
+    with zipfile.ZipFile(content, "w", zipfile.ZIP_DEFLATED) as packed:
+        for name, file in files.items():
+            packed.writestr(name, file)
+    return content.getvalue()
+
+
+PACKED = archive(**{"scene.obj": POINTS + "f 1 2 3\n"})
+
+ZIP: List[Case] = [
+    ("nothing.zip", archive(), ": the archive holds no scene"),
+    ("no_scene.zip", archive(**{"readme.txt": "hello"}), ": the archive holds no scene"),
+    ("traversal.zip", archive(**{"../scene.obj": POINTS + "f 1 2 3\n"}), ": "),
+    ("bad_scene.zip", archive(**{"scene.obj": POINTS + "f 1 2 4\n"}), r"/scene\.obj"),
+    ("archive_in_itself.zip", archive(**{"inner.zip": PACKED}), ": the archive holds no scene"),
+    ("cut.zip", PACKED[:-30], ": "),
+    ("directory_only.zip", PACKED[PACKED.rindex(b"PK\x01\x02") :], ": "),
+    ("content_damaged.zip", PACKED[:45] + b"\xff" * 8 + PACKED[53:], None),
+]
+
+CASES: Dict[str, List[Case]] = {"obj": OBJ, "stl": STL, "ply": PLY, "gltf": GLTF + GLB, "zip": ZIP}
 
 # --- valid files, out of which mutations are made ----------------------------------------------------------------
 

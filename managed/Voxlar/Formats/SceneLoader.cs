@@ -45,9 +45,10 @@ internal static class SceneLoader
         catch (Exception e)
         {
             scene.Clear();
-            if (e is ImportException or OutOfMemoryException)
+            if (e is ImportException)
                 throw;
-            throw new ImportException($"{name}: it cannot be read: {ReadContext.Reason(e)}.", e);
+            string reason = e is OutOfMemoryException ? "there is not enough memory for it" : ReadContext.Reason(e);
+            throw new ImportException($"{name}: it cannot be read: {reason}.", e);
         }
     }
 
