@@ -5,6 +5,7 @@ set -eu
 
 packages=(g++ cmake ninja-build make git python3 python3-dev python3-pytest python3-numpy libgtest-dev libffi-dev)
 case "${1:-}" in
+    --all-pythons) packages+=(python3-exceptiongroup python3-tomli) ;;  # what pytest needs before CPython 3.11
     --lint) packages+=(clang-format clang-tidy mypy) ;;
 esac
 

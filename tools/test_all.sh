@@ -12,6 +12,7 @@ assemblies=$root/build/release/stage/velbor/_assemblies
 versions=("$@")
 test ${#versions[@]} -gt 0 || versions=(3.9 3.10 3.11 3.12 3.13)
 test -d "$assemblies" || { echo "no managed assemblies in $assemblies: run \`make build\`" >&2; exit 1; }
+"$root/tools/setup.sh" --all-pythons || exit 1
 mkdir -p "$links"
 for name in pytest _pytest pluggy iniconfig packaging attr attrs py py.py exceptiongroup tomli; do
     test -e "/usr/lib/python3/dist-packages/$name" && ln -sfn "/usr/lib/python3/dist-packages/$name" "$links/$name"
