@@ -8,8 +8,8 @@ STAGE := $(abspath $(BUILD))/stage
 export PYTHONDONTWRITEBYTECODE := 1
 
 .DEFAULT_GOAL := help
-.PHONY: help setup build demo test test-native test-managed test-python test-all test-asan bench lint format pythonpath \
-        wheel docs clean
+.PHONY: help setup build demo test test-native test-managed test-python test-all test-asan bench stress \
+        lint format pythonpath wheel docs clean
 
 help: ## list the targets
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /\1\t/' | expand -t 14
@@ -53,6 +53,10 @@ test-asan: ## contract tests under AddressSanitizer and UndefinedBehaviorSanitiz
 
 bench: build ## ratios to a hand-written floor, measured in the same run
 	@PYTHONPATH=$(STAGE) $(PYTHON) bench/run.py
+	@PYTHONPATH=$(STAGE) $(PYTHON) bench/bulk.py
+
+stress: build ## each operation many times; VELBOR_STRESS=100000 for the full count
+	@PYTHONPATH=$(STAGE) $(PYTHON) -m pytest -q -p no:cacheprovider tests/stress
 
 lint: setup ## formatting and static checks in all three languages
 	@tools/lint.sh $(BUILD)

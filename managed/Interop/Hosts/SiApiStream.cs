@@ -129,15 +129,23 @@ internal static unsafe class SiApiStream
         }
     }
 
-    /// <summary>Cuts or extends, at the position if the caller says so.</summary>
+    /// <summary>
+    /// Cuts or extends, at the position if the caller says so; the position stays, even beyond the new end.
+    /// </summary>
     [UnmanagedCallersOnly]
     public static long SetLength(void* self, int usePosition, long size)
     {
         try
         {
             Stream stream = (Stream)Handles.Get(self);
+            long position = stream.CanSeek ? stream.Position : 0;
             long length = usePosition != 0 ? stream.Position : size;
             stream.SetLength(length);
+            if (stream.CanSeek && stream.Position != position)
+            {
+                stream.Position = position;
+            }
+
             return length;
         }
         catch (Exception e)
@@ -151,7 +159,12 @@ internal static unsafe class SiApiStream
     {
         try
         {
-            ((Stream)Handles.Get(self)).Write(new ReadOnlySpan<byte>(buffer, count));
+            Stream stream = (Stream)Handles.Get(self);
+            // Nothing written beyond the end is no reason to grow, though some streams take it for one.
+            if (count != 0 || !stream.CanSeek || stream.Position <= stream.Length)
+            {
+                stream.Write(new ReadOnlySpan<byte>(buffer, count));
+            }
         }
         catch (Exception e)
         {

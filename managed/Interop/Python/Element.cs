@@ -46,6 +46,9 @@ internal abstract unsafe class Element<T>
         }
     }
 
+    /// <summary>Whether a read by index costs the same at every index of a sequence.</summary>
+    public virtual bool ReadsSequencesByIndex => true;
+
     public abstract T GetListItem(PyObject* list, int index);
 
     public abstract T GetSequenceItem(PyObject* sequence, int index);
@@ -98,7 +101,7 @@ internal abstract unsafe class Element<T>
     }
 
     /// <summary>A copy of a Python sequence.</summary>
-    public T[] SequenceToArray(PyObject* sequence)
+    public virtual T[] SequenceToArray(PyObject* sequence)
     {
         PythonThread.Enter();
         T[] array = new T[Length(PyCallbacks.fn_clbk_ucol_sequence_length(sequence))];
@@ -126,7 +129,7 @@ internal abstract unsafe class Element<T>
         return python != null ? python : throw Errors.TakePending();
     }
 
-    private static int Length(nint length) => length < 0 ? throw Errors.TakePending() : checked((int)length);
+    protected static int Length(nint length) => length < 0 ? throw Errors.TakePending() : checked((int)length);
 }
 
 /// <summary>Room for the largest record that a callback fills in.</summary>
@@ -146,6 +149,8 @@ internal class OpenElement<T> : Element<T>
     {
     }
 
+    public override bool ReadsSequencesByIndex => false;
+
     public override unsafe T GetListItem(PyObject* list, int index)
     {
         VariantArg value = default;
@@ -157,7 +162,83 @@ internal class OpenElement<T> : Element<T>
     {
         VariantArg value = default;
         Elements.CheckIndexed(PyCallbacks.fn_clbk_oseq_get_item(sequence, index, &value));
-        return FromValue(&value);
+        try
+        {
+            return FromValue(&value);
+        }
+        finally
+        {
+            // The callback leaves the reference to the item to whoever has read the record.
+            PyObject* item = IsWrapper(&value) ? FindWrapper(sequence, value.Payload) : (PyObject*)value.Payload;
+            PyCallbacks.fn_xdec_ref(item);
+        }
+    }
+
+    /// <summary>Walked by Python's own iterator, which hands each item out together with its record.</summary>
+    public override unsafe T[] SequenceToArray(PyObject* sequence)
+    {
+        PythonThread.Enter();
+        List<T> items = new(Length(PyCallbacks.fn_clbk_ucol_sequence_length(sequence)));
+        PyObject* iterator = Elements.IteratorOf(sequence);
+        try
+        {
+            while (Next(iterator, out T item))
+            {
+                items.Add(item);
+            }
+        }
+        finally
+        {
+            PyCallbacks.fn_xdec_ref(iterator);
+        }
+
+        return [.. items];
+    }
+
+    private static unsafe bool IsWrapper(VariantArg* value) =>
+        (ValueKind)value->Kind is ValueKind.Object or ValueKind.Struct;
+
+    /// <summary>
+    /// The item whose handle the record names, borrowed: a wrapper's record does not tell the wrapper, but no two
+    /// wrappers share a handle. Null, with nothing pending, when the sequence does not show it a second time: one
+    /// that makes its items anew each time, or that cannot be walked. Its item then stays allocated.
+    /// </summary>
+    private static unsafe PyObject* FindWrapper(PyObject* sequence, void* handle)
+    {
+        PyObject* iterator = PyCallbacks.fn_clbk_ucol_get_enumerator(sequence);
+        if (iterator == null)
+        {
+            Errors.TakePending();
+            return null;
+        }
+
+        try
+        {
+            PyObject* item;
+            VariantArg value;
+            int status;
+            while ((status = PyCallbacks.fn_clbk_iter_next(iterator, &item, &value)) == 0)
+            {
+                bool found = IsWrapper(&value) && value.Payload == handle;
+                // The reference that the read has left keeps the item alive beyond this.
+                PyCallbacks.fn_xdec_ref(item);
+                if (found)
+                {
+                    return item;
+                }
+            }
+
+            if (status != 1)
+            {
+                Errors.TakePending();
+            }
+
+            return null;
+        }
+        finally
+        {
+            PyCallbacks.fn_xdec_ref(iterator);
+        }
     }
 
     public override unsafe PyObject* ToPython(T value) => Variants.Write(value);
@@ -337,6 +418,13 @@ internal static partial class Elements
 
     /// <summary>An element without callbacks of its own.</summary>
     public static OpenElement<T> Open<T>() => new();
+
+    /// <summary>A new iterator over a Python object.</summary>
+    public static unsafe PyObject* IteratorOf(PyObject* python)
+    {
+        PyObject* iterator = PyCallbacks.fn_clbk_ucol_get_enumerator(python);
+        return iterator != null ? iterator : throw Errors.TakePending();
+    }
 
     /// <summary>Throws what a status of an indexed operation says.</summary>
     public static void CheckIndexed(int status)

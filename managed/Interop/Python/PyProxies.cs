@@ -68,12 +68,7 @@ internal unsafe class PyEnumerableProxy<T> : PyProxy, IEnumerable<T>
 
     public virtual IEnumerator<T> GetEnumerator()
     {
-        PyObject* iterator = PyCallbacks.fn_clbk_ucol_get_enumerator(Checked());
-        if (iterator == null)
-        {
-            throw Errors.TakePending();
-        }
-
+        PyObject* iterator = Elements.IteratorOf(Checked());
         PyIteratorProxy<T> result = new(iterator, Element);
         PyCallbacks.fn_xdec_ref(iterator);
         return result;
@@ -208,7 +203,10 @@ internal unsafe class PySequenceProxy<T> : PyCollectionProxy<T>, IList<T>, IList
 
     void IList.Remove(object? value) => Remove((T)value!);
 
-    public override IEnumerator<T> GetEnumerator()
+    public override IEnumerator<T> GetEnumerator() =>
+        !IsReadOnly || Element.ReadsSequencesByIndex ? ByIndex() : base.GetEnumerator();
+
+    private IEnumerator<T> ByIndex()
     {
         for (int index = 0; index < Count; index++)
         {

@@ -73,6 +73,19 @@ internal static unsafe class FakePython
         return (PyObject*)(nint)(s_objects.Count - 1);
     }
 
+    /// <summary>A new reference to an item; a wrapper is the same object each time, as its handle tells.</summary>
+    private static PyObject* Share(object? value)
+    {
+        int known = value is PyWrapper ? s_objects.FindIndex(entry => ReferenceEquals(entry?.Value, value)) : -1;
+        if (known < 0)
+        {
+            return New(value);
+        }
+
+        s_objects[known]!.References++;
+        return (PyObject*)(nint)known;
+    }
+
     /// <summary>An object that somebody else keeps: no reference of it is counted.</summary>
     public static PyObject* Borrow(object? value)
     {
@@ -302,7 +315,7 @@ internal static unsafe class FakePython
             (delegate* unmanaged<void*, void*>)&WriteArrayList,
             (delegate* unmanaged<void*, void*>)&WriteArray);
         void** oseq = Table(
-            (delegate* unmanaged<void*, int, VariantArg*, int>)&GetItem,
+            (delegate* unmanaged<void*, int, VariantArg*, int>)&GetSequenceItem,
             (delegate* unmanaged<void*, void*, int>)&Contains,
             (delegate* unmanaged<void*, void*, int>)&IndexOf);
         PyCallbacks.SetPyStaticCallbacks(
@@ -588,7 +601,7 @@ internal static unsafe class FakePython
                     return 1;
                 }
 
-                owned = New(items.Current);
+                owned = Share(items.Current);
                 return TryRecord((PyObject*)owned, (VariantArg*)made) ? 0 : 2;
             },
             2,
@@ -641,6 +654,24 @@ internal static unsafe class FakePython
     {
         nint made = (nint)record;
         return Status(() => TryRecord(Borrow(ItemOf(SequenceOf(sequence), index)), (VariantArg*)made) ? 0 : -1);
+    }
+
+    /// <summary>Leaves a reference to the item to the reader.</summary>
+    [UnmanagedCallersOnly]
+    private static int GetSequenceItem(void* sequence, int index, VariantArg* record)
+    {
+        nint made = (nint)record;
+        return Status(() =>
+        {
+            PyObject* item = Share(ItemOf(SequenceOf(sequence), index));
+            if (TryRecord(item, (VariantArg*)made))
+            {
+                return 0;
+            }
+
+            Release(item);
+            return -1;
+        });
     }
 
     [UnmanagedCallersOnly]

@@ -69,6 +69,23 @@ public unsafe class ProxyTests : InteropTest
     }
 
     [Fact]
+    public void Reading_a_sequence_of_any_type_leaves_no_reference()
+    {
+        object target = new();
+        With(target, handle =>
+        {
+            VariantArg record = Python(new PyTuple(["a", 1.5, new PyWrapper((nint)handle, false, "x")]), 3);
+            IList<object?> list = In.IList(&record, Elements.Object)!;
+            int before = FakePython.References;
+            Assert.Equal("a", list[0]);
+            Assert.Same(target, list[2]);
+            Assert.Equal(before, FakePython.References);
+            Assert.Equal(["a", 1.5, target], In.Array(&record, Elements.Object)!);
+            Assert.Equal(before, FakePython.References);
+        });
+    }
+
+    [Fact]
     public void Arrays_and_lists_are_copies()
     {
         List<object?> python = ["a", null];
