@@ -35,8 +35,8 @@ internal static class MtlKeys
     ];
 
     /// <summary>
-    /// The slot that a key names; null when the key names no texture. Case does not count. Slots that have no key are
-    /// called "map_" and their name.
+    /// The slot that a key names; null when the key names no texture. Case does not count. Slots that have no
+    /// key are called "map_" and their name.
     /// </summary>
     public static string? SlotOf(string key, bool isPbr)
     {

@@ -5,16 +5,17 @@ using Velbor.Voxlar.Shading;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// The options of a texture in a material library: -s and -o are the scale and offset of the coordinates, -clamp the
-/// wrap mode; the others are kept as they stand, as properties "mtl.-" and the name of the option.
+/// The options of a texture in a material library: -s and -o are the scale and offset of the coordinates,
+/// -clamp the wrap mode; the others are kept as they stand, as properties "mtl.-" and the name of the option.
 /// </summary>
 internal static class MtlOptions
 {
     // How many values an option takes at most; the first so many must be there.
     private static readonly (string Name, int Least, int Most)[] Options =
     [
-        ("-s", 1, 3), ("-o", 1, 3), ("-t", 1, 3), ("-mm", 2, 2), ("-bm", 1, 1), ("-boost", 1, 1), ("-texres", 1, 1),
-        ("-blendu", 1, 1), ("-blendv", 1, 1), ("-clamp", 1, 1), ("-cc", 1, 1), ("-imfchan", 1, 1), ("-type", 1, 1),
+        ("-s", 1, 3), ("-o", 1, 3), ("-t", 1, 3), ("-mm", 2, 2), ("-bm", 1, 1), ("-boost", 1, 1),
+        ("-texres", 1, 1), ("-blendu", 1, 1), ("-blendv", 1, 1), ("-clamp", 1, 1), ("-cc", 1, 1),
+        ("-imfchan", 1, 1), ("-type", 1, 1),
     ];
 
     /// <summary>The words of a text.</summary>

@@ -8,8 +8,9 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// Reads a material library. A material with one of the keys Pr, Pm and their maps is physically based, every other one
-/// is a Phong material. Keys that these have no place for are kept as they stand, as properties "mtl." and the key.
+/// Reads a material library. A material with one of the keys Pr, Pm and their maps is physically based, every
+/// other one is a Phong material. Keys that these have no place for are kept as they stand, as properties
+/// "mtl." and the key.
 /// </summary>
 internal sealed class MtlReader
 {
@@ -72,7 +73,8 @@ internal sealed class MtlReader
             if (MtlKeys.SlotOf(statement.Key, isPbr) is { } slot)
                 Map(material, slot, statement);
             else if (!(statement.Key == "Tr" && hasDissolve)
-                && !(material is PbrMaterial pbr ? TrySet(pbr, statement) : TrySet((PhongMaterial)material, statement)))
+                && !(material is PbrMaterial pbr
+                    ? TrySet(pbr, statement) : TrySet((PhongMaterial)material, statement)))
                 material.SetProperty(ObjNames.Mtl + statement.Key, statement.Rest);
         }
         statements.Clear();
@@ -141,11 +143,13 @@ internal sealed class MtlReader
         }
     }
 
-    // Some programs write opacity under this key. A surface of which nothing is seen is not what they mean by 1.
+    // Some programs write opacity under this key. A surface of which nothing is seen is not what they mean by
+    // 1.
     private double Transparency(Statement statement) => Number(statement) is var told && told == 1 ? 0 : told;
 
     // A dissolve whose complement is rounded would not come back as it was.
-    private static void KeepDissolve(Material material, double dissolve, double transparency, Statement statement)
+    private static void KeepDissolve(
+        Material material, double dissolve, double transparency, Statement statement)
     {
         if (1 - transparency != dissolve)
             material.SetProperty(ObjNames.Mtl + statement.Key, statement.Rest);

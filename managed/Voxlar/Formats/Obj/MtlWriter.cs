@@ -9,9 +9,10 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// Writes a material library. Lambert and Phong materials get the classic keys, physically based ones Pr and Pm in place
-/// of highlights; those with specular colour and glossiness become classic. Kept keys of a library that was read are
-/// written as they were. There are no keys for the colour of reflections and the rotation of textures.
+/// Writes a material library. Lambert and Phong materials get the classic keys, physically based ones Pr and
+/// Pm in place of highlights; those with specular colour and glossiness become classic. Kept keys of a
+/// library that was read are written as they were. There are no keys for the colour of reflections and the
+/// rotation of textures.
 /// </summary>
 internal sealed class MtlWriter
 {
@@ -104,7 +105,8 @@ internal sealed class MtlWriter
     {
         if (source is not Texture texture)
             throw _context.Error(
-                $"a material library has no form for a texture of the type {source.GetType().Name} ('{source.Name}')");
+                "a material library has no form for a texture of the type "
+                + $"{source.GetType().Name} ('{source.Name}')");
         int cube = slot.IndexOf(".cube", StringComparison.Ordinal);
         string key = MtlKeys.KeyOf(cube < 0 ? slot : slot[..cube]);
         if (key.AsSpan().ContainsAny(" \t"))

@@ -4,8 +4,8 @@ using System.Collections.Generic;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// Deals the values of one kind (texture coordinates or normals) out to meshes: each gets those that its faces use, in
-/// the order of the file, and those that nothing uses go to the mesh of the values before them.
+/// Deals the values of one kind (texture coordinates or normals) out to meshes: each gets those that its
+/// faces use, in the order of the file, and those that nothing uses go to the mesh of the values before them.
 /// </summary>
 internal sealed class ObjAttribute
 {
@@ -54,7 +54,8 @@ internal sealed class ObjAttribute
     public bool IsWhole => _unused is null;
 
     /// <summary>
-    /// The values of a mesh, ascending; afterwards <see cref="Local"/> tells the places in it, until the next mesh.
+    /// The values of a mesh, ascending; afterwards <see cref="Local"/> tells the places in it, until the next
+    /// mesh.
     /// </summary>
     /// <param name="mesh">The mesh, in ascending order from call to call.</param>
     /// <param name="corners">The values of its corners.</param>

@@ -8,12 +8,13 @@ namespace Velbor.Voxlar.Formats.Obj;
 internal static class ObjColors
 {
     /// <summary>
-    /// The colour of each control point, with a NaN alpha where it has none; of colours by corner or polygon the first
-    /// that is met. Null when there are none.
+    /// The colour of each control point, with a NaN alpha where it has none; of colours by corner or polygon
+    /// the first that is met. Null when there are none.
     /// </summary>
     public static Vector4[]? Of(Geometry? geometry)
     {
-        if (geometry?.GetElement(VertexElementType.VertexColor) is not VertexElementVertexColor { DataList.Count: > 0 } element)
+        if (geometry?.GetElement(VertexElementType.VertexColor)
+            is not VertexElementVertexColor { DataList.Count: > 0 } element)
             return null;
         Vector4[] colors = new Vector4[geometry.ControlPointList.Count];
         Array.Fill(colors, new Vector4(0, 0, 0, double.NaN));

@@ -3,7 +3,9 @@ using Velbor.Voxlar.Formats.Text;
 
 namespace Velbor.Voxlar.Formats.Obj;
 
-/// <summary>Statements of one kind (f, l or p), as tables: the corners of all, and what held when each was read.</summary>
+/// <summary>
+/// Statements of one kind (f, l or p), as tables: the corners of all, and what held when each was read.
+/// </summary>
 internal sealed class ObjElements
 {
     /// <summary>The index, from 0, that stands for none.</summary>
@@ -24,10 +26,14 @@ internal sealed class ObjElements
     /// <summary>The place in <see cref="ObjFile.Groups"/> of each element.</summary>
     public readonly IntBuffer Groups = new();
 
-    /// <summary>The place in <see cref="ObjFile.Materials"/> of each element, or <see cref="None"/>.</summary>
+    /// <summary>
+    /// The place in <see cref="ObjFile.Materials"/> of each element, or <see cref="None"/>.
+    /// </summary>
     public readonly IntBuffer Materials = new();
 
-    /// <summary>The smoothing group of each element; 0 for off, <see cref="None"/> where none was told.</summary>
+    /// <summary>
+    /// The smoothing group of each element; 0 for off, <see cref="None"/> where none was told.
+    /// </summary>
     public readonly IntBuffer Smoothing = new();
 
     /// <summary>How many elements there are.</summary>
@@ -55,7 +61,9 @@ internal sealed class ObjFile
     /// <summary>The vertices: x, y, z and w of each.</summary>
     public readonly DoubleBuffer Vertices = new();
 
-    /// <summary>The colours: r, g, b and a of each vertex, NaN where it has none; empty when no vertex has one.</summary>
+    /// <summary>
+    /// The colours: r, g, b and a of each vertex, NaN where it has none; empty when no vertex has one.
+    /// </summary>
     public readonly DoubleBuffer Colors = new();
 
     /// <summary>The texture coordinates: u, v and w of each.</summary>

@@ -2,12 +2,14 @@ using System;
 
 namespace Velbor.Voxlar.Formats.Obj;
 
-/// <summary>Makes names of files out of OBJ and MTL files, which often are of the writer's own machine, relative.</summary>
+/// <summary>
+/// Makes names of files out of OBJ and MTL files, which often are of the writer's own machine, relative.
+/// </summary>
 internal static class ObjFileNames
 {
     /// <summary>
-    /// The name with "/" between folders; of a name that is absolute or climbs out of its folder only the last part.
-    /// Empty when that names no file.
+    /// The name with "/" between folders; of a name that is absolute or climbs out of its folder only the
+    /// last part. Empty when that names no file.
     /// </summary>
     public static string Inside(string told)
     {

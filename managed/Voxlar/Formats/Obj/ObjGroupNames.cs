@@ -7,8 +7,9 @@ using Velbor.Voxlar.Formats.Text;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// The objects and groups that entities are written under. Elements of one name are one mesh when they are read, so a
-/// name that another entity has gets a number; lines and points may go under the name of the mesh of their node.
+/// The objects and groups that entities are written under. Elements of one name are one mesh when they are
+/// read, so a name that another entity has gets a number; lines and points may go under the name of the mesh
+/// of their node.
 /// </summary>
 internal sealed class ObjGroupNames
 {
@@ -46,7 +47,8 @@ internal sealed class ObjGroupNames
             {
                 places.Add(number, place = groups.Count);
                 bool isNamed = (uint)number < (uint)names.Length;
-                string name = isNamed ? names[number] : "group" + number.ToString(CultureInfo.InvariantCulture);
+                string name = isNamed
+                    ? names[number] : "group" + number.ToString(CultureInfo.InvariantCulture);
                 string? told = isNamed && number < objects.Length ? NullIfEmpty(objects[number]) : ownObject;
                 groups.Add(Take(new ObjGroup(told, NullIfEmpty(name)), item));
             }

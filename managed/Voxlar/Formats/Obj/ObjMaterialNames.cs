@@ -5,7 +5,9 @@ using Velbor.Voxlar.Shading;
 
 namespace Velbor.Voxlar.Formats.Obj;
 
-/// <summary>The materials of a scene under names of their own: a name that occurs again gets a number.</summary>
+/// <summary>
+/// The materials of a scene under names of their own: a name that occurs again gets a number.
+/// </summary>
 internal sealed class ObjMaterialNames
 {
     private readonly Dictionary<Material, string> _names = new(ReferenceEqualityComparer.Instance);

@@ -4,7 +4,9 @@ using Velbor.Voxlar.Shading;
 
 namespace Velbor.Voxlar.Formats.Obj;
 
-/// <summary>The materials of an OBJ file: those of its libraries, and plain ones for names that these do not have.</summary>
+/// <summary>
+/// The materials of an OBJ file: those of its libraries, and plain ones for names that these do not have.
+/// </summary>
 internal sealed class ObjMaterials
 {
     private readonly List<string> _names;
@@ -21,7 +23,9 @@ internal sealed class ObjMaterials
         _used = new Material?[names.Count];
     }
 
-    /// <summary>Takes a material of a library. The first one of a name is the one that elements get.</summary>
+    /// <summary>
+    /// Takes a material of a library. The first one of a name is the one that elements get.
+    /// </summary>
     public void Add(Material material)
     {
         _read.Add(material);

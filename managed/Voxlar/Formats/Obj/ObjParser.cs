@@ -5,8 +5,9 @@ using Velbor.Voxlar.Formats.Text;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// Reads the statements of an OBJ file into tables. Statements that only tell how a surface is drawn are left out;
-/// free-form surfaces and calls of other files are refused by name, since leaving them out would lose geometry.
+/// Reads the statements of an OBJ file into tables. Statements that only tell how a surface is drawn are left
+/// out; free-form surfaces and calls of other files are refused by name, since leaving them out would lose
+/// geometry.
 /// </summary>
 internal sealed class ObjParser
 {
@@ -74,7 +75,8 @@ internal sealed class ObjParser
     private void Check(Forward forward, int count, string one, string many)
     {
         if (forward.Index > count)
-            throw _text.ErrorAt(forward.Place, $"{one} {forward.Index} is used, but the file has {count} {many}");
+            throw _text.ErrorAt(
+                forward.Place, $"{one} {forward.Index} is used, but the file has {count} {many}");
     }
 
     private void Statement()
@@ -143,9 +145,11 @@ internal sealed class ObjParser
         switch (name)
         {
             case "curv" or "curv2" or "surf" or "bzp" or "bsp" or "cdc" or "cdp" or "res":
-                throw _text.ErrorAt(start, $"the statement '{name}' (a free-form curve or surface) is not supported");
+                throw _text.ErrorAt(
+                    start, $"the statement '{name}' (a free-form curve or surface) is not supported");
             case "call":
-                throw _text.ErrorAt(start, "the statement 'call' (another file in this place) is not supported");
+                throw _text.ErrorAt(
+                    start, "the statement 'call' (another file in this place) is not supported");
         }
         // Unknown words are the extensions of other programs; a file that starts with one is no OBJ.
         if (!_isObj)
@@ -269,7 +273,8 @@ internal sealed class ObjParser
         if (IsSlash())
         {
             if (!IsSlash(0) && !IsWordEnd())
-                texCoord = Index(_file.TexCoordCount, ref _forwardTexCoord, "texture coordinate", "texture coordinates");
+                texCoord = Index(
+                    _file.TexCoordCount, ref _forwardTexCoord, "texture coordinate", "texture coordinates");
             if (IsSlash() && !IsWordEnd())
                 normal = Index(_file.NormalCount, ref _forwardNormal, "normal", "normals");
         }
@@ -316,7 +321,8 @@ internal sealed class ObjParser
         if (negative)
         {
             if (value > count)
-                throw _text.ErrorAt(start, $"{one} -{value} is used, but only {count} {many} were read before it");
+                throw _text.ErrorAt(
+                    start, $"{one} -{value} is used, but only {count} {many} were read before it");
             return count - (int)value;
         }
         if (value > count && value > forward.Index)

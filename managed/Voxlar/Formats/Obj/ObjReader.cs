@@ -8,14 +8,16 @@ namespace Velbor.Voxlar.Formats.Obj;
 /// Reads OBJ with its material libraries.
 /// </summary>
 /// <remarks>
-/// <para>Each object or group with faces becomes a node below the root with a mesh of its name. Groups that have
-/// vertices in common stay one mesh, so that there are as many control points as vertices in the file; its polygon
-/// groups and the property "obj.groups" tell them apart. Vertices that nothing uses stay with the mesh of the vertices
-/// before them. Lines become line entities and points point clouds, on the node of the mesh of their group where there
-/// is one, with copies of the points that they share with it. A file of vertices alone is a point cloud.</para>
-/// <para>A library that is not there leaves materials that have nothing but their names. Materials that no element uses
-/// go to the library of the scene.</para>
-/// <para>Not kept: comments, groups without elements, empty space in names, statements of how surfaces are drawn.</para>
+/// <para>Each object or group with faces becomes a node below the root with a mesh of its name. Groups that
+/// have vertices in common stay one mesh, so that there are as many control points as vertices in the file;
+/// its polygon groups and the property "obj.groups" tell them apart. Vertices that nothing uses stay with the
+/// mesh of the vertices before them. Lines become line entities and points point clouds, on the node of the
+/// mesh of their group where there is one, with copies of the points that they share with it. A file of
+/// vertices alone is a point cloud.</para>
+/// <para>A library that is not there leaves materials that have nothing but their names. Materials that no
+/// element uses go to the library of the scene.</para>
+/// <para>Not kept: comments, groups without elements, empty space in names, statements of how surfaces are
+/// drawn.</para>
 /// </remarks>
 internal sealed class ObjReader : ISceneReader
 {

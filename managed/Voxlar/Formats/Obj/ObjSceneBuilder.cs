@@ -19,7 +19,8 @@ internal sealed class ObjSceneBuilder
     private readonly Scene _scene;
     private readonly ObjElements _faces;
 
-    // The node of each group: that of the mesh that its faces went to, or one of its own for lines and points.
+    // The node of each group: that of the mesh that its faces went to, or one of its own for lines and
+    // points.
     private readonly Node?[] _nodes;
 
     // Groups whose faces share vertices, as a forest; the root of a tree is its lowest group.
@@ -111,8 +112,8 @@ internal sealed class ObjSceneBuilder
 
     private int MeshOf(int group) => _meshOfGroup[RootOf(group)];
 
-    // Turns the owners into meshes: -1 for vertices that only lines or points use. What nothing uses goes to the mesh of
-    // the vertices before it, or is listed where there is no mesh.
+    // Turns the owners into meshes: -1 for vertices that only lines or points use. What nothing uses goes to
+    // the mesh of the vertices before it, or is listed where there is no mesh.
     private List<int> MarkUnused(int[] owner)
     {
         bool[] isUsed = new bool[owner.Length];
@@ -245,7 +246,8 @@ internal sealed class ObjSceneBuilder
         {
             int at = vertex * 4;
             colors.DataList.Add(HasColor(vertex)
-                ? new Vector4(source[at], source[at + 1], source[at + 2], source[at + 3]) : new Vector4(1, 1, 1, 1));
+                ? new Vector4(source[at], source[at + 1], source[at + 2], source[at + 3])
+                : new Vector4(1, 1, 1, 1));
         }
         geometry.VertexElements.Add(colors);
     }
@@ -253,7 +255,8 @@ internal sealed class ObjSceneBuilder
     private bool HasColor(int vertex) =>
         vertex * 4 < _file.Colors.Count && !double.IsNaN(_file.Colors.Items[vertex * 4 + 3]);
 
-    // Exchanging two axes turns the space inside out; the corners then run the other way round, from the same first one.
+    // Exchanging two axes turns the space inside out; the corners then run the other way round, from the same
+    // first one.
     private int CornerAt(int start, int end, int k) =>
         _options.FlipCoordinateSystem && k > 0 ? end - k : start + k;
 
@@ -281,7 +284,8 @@ internal sealed class ObjSceneBuilder
     }
 
     private void FillAttribute(
-        Mesh mesh, int number, ReadOnlySpan<int> faces, IntBuffer corners, ObjAttribute attribute, bool isNormal)
+        Mesh mesh, int number, ReadOnlySpan<int> faces, IntBuffer corners, ObjAttribute attribute,
+        bool isNormal)
     {
         if (attribute.Count == 0)
             return;
@@ -337,7 +341,8 @@ internal sealed class ObjSceneBuilder
             (y, z) = (z, y);
         if (_options.NormalizeNormal)
         {
-            // What has the length 1 but for rounding stays as it is, so that reading what was written changes nothing.
+            // What has the length 1 but for rounding stays as it is, so that reading what was written changes
+            // nothing.
             double square = x * x + y * y + z * z;
             if (square > 0 && double.IsFinite(square) && Math.Abs(square - 1) > 1e-14)
             {
@@ -455,7 +460,8 @@ internal sealed class ObjSceneBuilder
         _scene.RootNode.CreateChildNode(cloud.Name, cloud);
     }
 
-    // Where there is a value for each vertex they belong together; other values are kept without a tie to points.
+    // Where there is a value for each vertex they belong together; other values are kept without a tie to
+    // points.
     private void AddToCloud(PointCloud cloud, VertexElementVector4 element, int count, bool isNormal)
     {
         if (count != _file.VertexCount)

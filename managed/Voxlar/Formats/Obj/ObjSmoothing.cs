@@ -17,7 +17,9 @@ internal readonly struct ObjSmoothing
         _numbers = isKept ? (int[])mesh.GetProperty(ObjNames.SmoothingGroups)! : null;
     }
 
-    /// <summary>The group of a polygon; 0 for off, <see cref="ObjElements.None"/> where the mesh tells none.</summary>
+    /// <summary>
+    /// The group of a polygon; 0 for off, <see cref="ObjElements.None"/> where the mesh tells none.
+    /// </summary>
     public int Of(int polygon)
     {
         if (_masks is null)

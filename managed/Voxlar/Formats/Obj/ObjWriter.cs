@@ -9,15 +9,16 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Obj;
 
 /// <summary>
-/// Writes OBJ with a material library beside it. Entities are brought to their places in the scene; bodies are turned
-/// into meshes and curves into polylines first.
+/// Writes OBJ with a material library beside it. Entities are brought to their places in the scene; bodies
+/// are turned into meshes and curves into polylines first.
 /// </summary>
 /// <remarks>
-/// <para>Meshes, lines and point clouds become objects of their names (groups where they were read from groups); a name
-/// that occurs again gets a number, since equal names would be one mesh when they are read. The points of lines and
-/// clouds that a mesh of the same node has too are not written again. A vertex has its w where that is not 1, or always
-/// with the option for it, and its colour; of colours by corner or polygon a vertex gets the first. Of texture
-/// coordinates the diffuse ones are written. A smoothing mask of several bits is written as its lowest.</para>
+/// <para>Meshes, lines and point clouds become objects of their names (groups where they were read from
+/// groups); a name that occurs again gets a number, since equal names would be one mesh when they are read.
+/// The points of lines and clouds that a mesh of the same node has too are not written again. A vertex has
+/// its w where that is not 1, or always with the option for it, and its colour; of colours by corner or
+/// polygon a vertex gets the first. Of texture coordinates the diffuse ones are written. A smoothing mask of
+/// several bits is written as its lowest.</para>
 /// <para>Elements without a material behind some that have one are marked with "usemtl (null)".</para>
 /// </remarks>
 internal sealed class ObjWriter : ISceneWriter
@@ -153,7 +154,8 @@ internal sealed class ObjWriter : ISceneWriter
             _output.Number(c.x);
             _output.Number(c.y);
             _output.Number(c.z);
-            // With w and a colour the alpha must follow, so that the values can be told apart by their number.
+            // With w and a colour the alpha must follow, so that the values can be told apart by their
+            // number.
             if (hasW || c.w != 1)
                 _output.Number(c.w);
         }
@@ -233,7 +235,8 @@ internal sealed class ObjWriter : ISceneWriter
     }
 
     // Lines and point clouds. Points that a mesh of the node has are named by its vertices.
-    private void WriteSparse(PlacedEntity item, Dictionary<Vector4, int>? shared, long sharedBase, bool isAlone)
+    private void WriteSparse(
+        PlacedEntity item, Dictionary<Vector4, int>? shared, long sharedBase, bool isAlone)
     {
         if (_options.Verbose)
             Line("# ", $"{item.Entity.GetType().Name} {item.Name}: {item.ControlPoints.Count} vertices");
@@ -269,7 +272,8 @@ internal sealed class ObjWriter : ISceneWriter
             foreach (int point in statement)
             {
                 if ((uint)point >= (uint)places.Length)
-                    throw _context.Error($"'{item.Name}' uses point {point}, but it has {places.Length} points");
+                    throw _context.Error(
+                        $"'{item.Name}' uses point {point}, but it has {places.Length} points");
                 _output.Byte((byte)' ');
                 _output.Integer(places[point] + 1);
                 if (HasTexCoord(texCoords, corner++))

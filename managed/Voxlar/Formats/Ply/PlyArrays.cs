@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using System.Globalization;
 
 namespace Velbor.Voxlar.Formats.Ply;
 
@@ -86,7 +87,7 @@ internal static class PlyArrays
     {
         double[] values = new double[array.Length];
         for (int i = 0; i < values.Length; i++)
-            values[i] = Convert.ToDouble(array.GetValue(i), System.Globalization.CultureInfo.InvariantCulture);
+            values[i] = Convert.ToDouble(array.GetValue(i), CultureInfo.InvariantCulture);
         return values;
     }
 }

@@ -16,8 +16,8 @@ internal enum PlyMapping
 }
 
 /// <summary>
-/// The normals, texture coordinates or colours of all geometries that go into a file. They are kept by vertex where each
-/// vertex has one value, by face where all are by polygon, and else by corner.
+/// The normals, texture coordinates or colours of all geometries that go into a file. They are kept by vertex
+/// where each vertex has one value, by face where all are by polygon, and else by corner.
 /// </summary>
 internal sealed class PlyAttribute
 {

@@ -22,8 +22,8 @@ internal static class PlyTypes
     // The first name of a type is the one that is written.
     private static readonly (string Name, string Other, int Size)[] Table =
     [
-        ("char", "int8", 1), ("uchar", "uint8", 1), ("short", "int16", 2), ("ushort", "uint16", 2), ("int", "int32", 4),
-        ("uint", "uint32", 4), ("float", "float32", 4), ("double", "float64", 8),
+        ("char", "int8", 1), ("uchar", "uint8", 1), ("short", "int16", 2), ("ushort", "uint16", 2),
+        ("int", "int32", 4), ("uint", "uint32", 4), ("float", "float32", 4), ("double", "float64", 8),
     ];
 
     /// <summary>The name that is written.</summary>
@@ -63,7 +63,9 @@ internal sealed class PlyColumn
     /// <summary>The type of the lengths of lists; null where the values are no lists.</summary>
     public PlyType? CountType { get; }
 
-    /// <summary>The values: one a row, or those of all lists. Doubles hold the values of all types exactly.</summary>
+    /// <summary>
+    /// The values: one a row, or those of all lists. Doubles hold the values of all types exactly.
+    /// </summary>
     public double[] Values { get; set; } = [];
 
     /// <summary>The place behind the last value of the list of each row.</summary>

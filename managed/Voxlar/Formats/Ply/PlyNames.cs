@@ -1,8 +1,9 @@
 namespace Velbor.Voxlar.Formats.Ply;
 
 /// <summary>
-/// The names of PLY, and of the dynamic properties in which values of PLY files stand that the scene has no other place
-/// for: "ply.", the element, "." and the property hold an array of the type of the property, or an array of arrays.
+/// The names of PLY, and of the dynamic properties in which values of PLY files stand that the scene has no
+/// other place for: "ply.", the element, "." and the property hold an array of the type of the property, or
+/// an array of arrays.
 /// </summary>
 internal static class PlyNames
 {
@@ -32,7 +33,8 @@ internal static class PlyNames
     public static readonly string[] Normals = ["nx", "ny", "nz"];
     public static readonly string[] Colors = ["red", "green", "blue", "alpha"];
     public static readonly string[] OtherColors = ["r", "g", "b", "a"];
-    public static readonly string[] DiffuseColors = ["diffuse_red", "diffuse_green", "diffuse_blue", "diffuse_alpha"];
+    public static readonly string[] DiffuseColors =
+        ["diffuse_red", "diffuse_green", "diffuse_blue", "diffuse_alpha"];
     public static readonly string[] TexCoords = ["s", "t"];
     public static readonly string[] OtherTexCoords = ["u", "v"];
     public static readonly string[] LongTexCoords = ["texture_u", "texture_v"];

@@ -145,7 +145,8 @@ internal sealed class PlyParser
         // A value takes a character and a blank at least.
         if (element.Announced > (_text.Remaining + 1L) / 2 / Math.Max(element.Columns.Count, 1))
             throw _text.Error(
-                $"{element.Announced} '{element.Name}' are announced, but only {_text.Remaining} bytes are left");
+                $"{element.Announced} '{element.Name}' are announced, "
+                + $"but only {_text.Remaining} bytes are left");
         element.Count = (int)element.Announced;
         DoubleBuffer[] lists = Prepare(element);
         for (int row = 0; row < element.Count; row++)

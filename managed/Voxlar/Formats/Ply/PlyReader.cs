@@ -12,12 +12,13 @@ namespace Velbor.Voxlar.Formats.Ply;
 /// Reads PLY, text and binary of both byte orders.
 /// </summary>
 /// <remarks>
-/// A file becomes one node with a mesh, or with a point cloud when it has no faces; edges become a line beside it, with
-/// copies of the points that it uses. Normals, texture coordinates and colours of vertices become vertex elements by
-/// control point, those of faces by polygon, and the lists "texcoord", "normal" and "color" of faces elements by corner.
-/// Whole numbers of colours are brought to the range from 0 to 1. Triangle strips become triangles. All other properties
-/// and elements are kept as properties of the geometry: "ply.", the element, "." and the property; comments and obj_info
-/// as "ply:comments" and "ply:obj_info".
+/// A file becomes one node with a mesh, or with a point cloud when it has no faces; edges become a line
+/// beside it, with copies of the points that it uses. Normals, texture coordinates and colours of vertices
+/// become vertex elements by control point, those of faces by polygon, and the lists "texcoord", "normal" and
+/// "color" of faces elements by corner. Whole numbers of colours are brought to the range from 0 to 1.
+/// Triangle strips become triangles. All other properties and elements are kept as properties of the
+/// geometry: "ply.", the element, "." and the property; comments and obj_info as "ply:comments" and
+/// "ply:obj_info".
 /// </remarks>
 internal sealed class PlyReader : ISceneReader
 {
@@ -35,7 +36,8 @@ internal sealed class PlyReader : ISceneReader
         PlyColumn? corners = faces is null ? null : CornersOf(faces);
         PlyElement? strips = Find(file, PlyNames.Strips);
         PlyColumn? stripCorners = strips is null ? null : CornersOf(strips);
-        bool hasFaces = (corners is not null && faces!.Count > 0) || (stripCorners is not null && strips!.Count > 0);
+        bool hasFaces = (corners is not null && faces!.Count > 0)
+            || (stripCorners is not null && strips!.Count > 0);
         Geometry geometry = hasFaces ? new Mesh() : new PointCloud();
         Node node = scene.RootNode.CreateChildNode("", geometry);
         if (vertices is not null)
@@ -67,7 +69,8 @@ internal sealed class PlyReader : ISceneReader
         return element.Columns.Find(column => column.CountType is not null);
     }
 
-    // The columns of a group of names; null unless the first so many are there. Missing ones at the end are null.
+    // The columns of a group of names; null unless the first so many are there. Missing ones at the end are
+    // null.
     private PlyColumn?[]? Take(PlyElement element, int least, params string[][] names)
     {
         foreach (string[] group in names)
@@ -112,9 +115,11 @@ internal sealed class PlyReader : ISceneReader
     {
         if (geometry.GetElement(VertexElementType.Normal) is null
             && Take(source, 3, PlyNames.Normals) is [var nx, var ny, var nz])
-            Add(geometry, new VertexElementNormal(), mapping, source.Count, nx!, _flip ? nz! : ny!, _flip ? ny! : nz!, 0);
-        if (mapping == MappingMode.ControlPoint && Take(source, 2, PlyNames.TexCoords, PlyNames.OtherTexCoords,
-            PlyNames.LongTexCoords, PlyNames.LongOtherTexCoords) is [var u, var v])
+            Add(geometry, new VertexElementNormal(), mapping, source.Count,
+                nx!, _flip ? nz! : ny!, _flip ? ny! : nz!, 0);
+        if (mapping == MappingMode.ControlPoint
+            && Take(source, 2, PlyNames.TexCoords, PlyNames.OtherTexCoords, PlyNames.LongTexCoords,
+                PlyNames.LongOtherTexCoords) is [var u, var v])
             Add(geometry, new VertexElementUV(), mapping, source.Count, u!, v!, null, 1);
         if (geometry.GetElement(VertexElementType.VertexColor) is null
             && Take(source, 3, PlyNames.Colors, PlyNames.OtherColors, PlyNames.DiffuseColors) is { } colors)
@@ -122,8 +127,8 @@ internal sealed class PlyReader : ISceneReader
     }
 
     private static void Add(
-        Geometry geometry, VertexElementVector4 element, MappingMode mapping, int count, PlyColumn x, PlyColumn y,
-        PlyColumn? z, double w)
+        Geometry geometry, VertexElementVector4 element, MappingMode mapping, int count, PlyColumn x,
+        PlyColumn y, PlyColumn? z, double w)
     {
         if (count == 0)
             return;
@@ -183,18 +188,20 @@ internal sealed class PlyReader : ISceneReader
         AddCorners(mesh, faces, corners, PlyNames.CornerColors, 3, 4);
     }
 
-    // Exchanging two axes turns the space inside out; the corners then run the other way round, from the same first one.
+    // Exchanging two axes turns the space inside out; the corners then run the other way round, from the same
+    // first one.
     private int CornerAt(int start, int size, int k) => _flip && k > 0 ? start + size - k : start + k;
 
     private int IndexOf(Geometry geometry, double value, string what, int row)
     {
         if (!(value >= 0 && value < geometry.ControlPointList.Count) || value != Math.Floor(value))
             throw _context.Error(FormattableString.Invariant(
-                $"{what} {row} uses vertex {value}, but there are {geometry.ControlPointList.Count} vertices"));
+                $"{what} {row} uses vertex {value}, but there are {geometry.ControlPoints.Count} vertices"));
         return (int)value;
     }
 
-    // The lists of values by corner; a list that does not fit its face leaves the column among those that are kept.
+    // The lists of values by corner; a list that does not fit its face leaves the column among those that are
+    // kept.
     private void AddCorners(Mesh mesh, PlyElement faces, PlyColumn corners, string name, int least, int most)
     {
         if (faces.Find(name) is not { CountType: not null } column)
@@ -233,7 +240,8 @@ internal sealed class PlyReader : ISceneReader
             int count = corners.Ends[row] - corners.Start(row);
             for (int k = 0; k < count; k++)
             {
-                ReadOnlySpan<double> v = column.Values.AsSpan(CornerAt(0, count, k) * size + column.Start(row), size);
+                int start = CornerAt(0, count, k) * size + column.Start(row);
+                ReadOnlySpan<double> v = column.Values.AsSpan(start, size);
                 if (double.IsNaN(v[0]))
                 {
                     indices.Add(ObjNames.NoValue);
@@ -252,7 +260,8 @@ internal sealed class PlyReader : ISceneReader
             indices.Clear();
     }
 
-    // A strip goes on until -1; every second triangle runs the other way round. What has no area only links parts.
+    // A strip goes on until -1; every second triangle runs the other way round. What has no area only links
+    // parts.
     private void FillStrips(Mesh mesh, PlyElement strips, PlyColumn corners)
     {
         _used.Add(corners);

@@ -8,16 +8,16 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Ply;
 
 /// <summary>
-/// Writes PLY, as text or binary with the low byte first. Entities are brought to their places in the scene; bodies are
-/// turned into meshes and curves into polylines first.
+/// Writes PLY, as text or binary with the low byte first. Entities are brought to their places in the scene;
+/// bodies are turned into meshes and curves into polylines first.
 /// </summary>
 /// <remarks>
-/// <para>All geometries become one: their vertices follow each other, and so do their faces and edges. The points of
-/// lines and clouds that a geometry of the same node has too are not written again. Numbers are single where that holds all of them
-/// exactly, else double; colours are bytes where these hold all of them exactly. Where only some geometries have an
-/// attribute, the others get zeros, or white.</para>
-/// <para>What a PLY file told about vertices, faces, edges and other things is written again where it still fits their
-/// number. PLY has no place for names, groups and materials.</para>
+/// <para>All geometries become one: their vertices follow each other, and so do their faces and edges. The
+/// points of lines and clouds that a geometry of the same node has too are not written again. Numbers are
+/// single where that holds all of them exactly, else double; colours are bytes where these hold all of them
+/// exactly. Where only some geometries have an attribute, the others get zeros, or white.</para>
+/// <para>What a PLY file told about vertices, faces, edges and other things is written again where it still
+/// fits their number. PLY has no place for names, groups and materials.</para>
 /// </remarks>
 internal sealed class PlyWriter : ISceneWriter
 {
@@ -49,7 +49,8 @@ internal sealed class PlyWriter : ISceneWriter
             FillEdges(edges, lines, points);
         FillVertices(vertices, points);
         elements.Add(vertices);
-        bool hasMeshes = !_options.PointCloud && (_items.Exists(item => item.Entity is Mesh) || _items.Count == 0);
+        bool hasMeshes = !_options.PointCloud
+            && (_items.Exists(item => item.Entity is Mesh) || _items.Count == 0);
         if (hasMeshes)
         {
             FillFaces(faces);
@@ -62,7 +63,8 @@ internal sealed class PlyWriter : ISceneWriter
             elements.Add(edges);
         if (!_options.PointCloud)
             KeepElements(elements);
-        PlyEncoder.Write(stream, elements, Lines(PlyNames.Comments), Lines(PlyNames.Infos), _options.ContentType);
+        PlyEncoder.Write(
+            stream, elements, Lines(PlyNames.Comments), Lines(PlyNames.Infos), _options.ContentType);
     }
 
     // A cloud of nothing but points that a mesh of its node has adds nothing.
@@ -124,7 +126,8 @@ internal sealed class PlyWriter : ISceneWriter
     }
 
     // Adds columns of one type, whose values follow each other.
-    private static void AddColumns(PlyElement element, ReadOnlySpan<string> names, double[] values, PlyType type)
+    private static void AddColumns(
+        PlyElement element, ReadOnlySpan<string> names, double[] values, PlyType type)
     {
         for (int i = 0; i < names.Length; i++)
             element.Columns.Add(new PlyColumn(names[i], type)
@@ -152,7 +155,8 @@ internal sealed class PlyWriter : ISceneWriter
                 {
                     int point = polygons.Corners[_items[i].CornerAt(start, size, k)];
                     if (point >= mesh.ControlPointList.Count)
-                        throw _context.Error($"polygon {polygon} of the mesh '{_items[i].Name}' has a corner at {point}, "
+                        throw _context.Error(
+                            $"polygon {polygon} of the mesh '{_items[i].Name}' has a corner at {point}, "
                             + $"but there are {mesh.ControlPointList.Count} control points");
                     corners.Add(_firstVertex[i] + point);
                 }
@@ -188,8 +192,10 @@ internal sealed class PlyWriter : ISceneWriter
             {
                 for (int k = 0; k + 1 < segment.Length; k++)
                 {
-                    if ((uint)segment[k] >= (uint)places.Length || (uint)segment[k + 1] >= (uint)places.Length)
-                        throw _context.Error($"a segment of the line '{item.Name}' uses a point that it does not have");
+                    if ((uint)segment[k] >= (uint)places.Length
+                        || (uint)segment[k + 1] >= (uint)places.Length)
+                        throw _context.Error(
+                            $"a segment of the line '{item.Name}' uses a point that it does not have");
                     first.Add(places[segment[k]]);
                     second.Add(places[segment[k + 1]]);
                 }
@@ -232,12 +238,13 @@ internal sealed class PlyWriter : ISceneWriter
         AddAttribute(vertices, faces, normals, PlyNames.Normals, PlyNames.CornerNormals, 3, default);
         // Without a face to hang them on, texture coordinates of three values lose the third.
         AddAttribute(vertices, faces, texCoords, PlyNames.TexCoords, PlyNames.CornerTexCoords, 2, default);
-        AddAttribute(vertices, faces, colors, PlyNames.Colors, PlyNames.CornerColors, 4, new Vector4(1, 1, 1, 1));
+        AddAttribute(
+            vertices, faces, colors, PlyNames.Colors, PlyNames.CornerColors, 4, new Vector4(1, 1, 1, 1));
     }
 
     private void AddAttribute(
-        PlyElement vertices, PlyElement? faces, PlyAttribute attribute, string[] names, string listName, int size,
-        Vector4 otherwise)
+        PlyElement vertices, PlyElement? faces, PlyAttribute attribute, string[] names, string listName,
+        int size, Vector4 otherwise)
     {
         switch (attribute.Mapping)
         {
@@ -352,7 +359,8 @@ internal sealed class PlyWriter : ISceneWriter
                     int corner = item.CornerAt(start, count, k);
                     int found = element?.ValueIndex(polygons.Corners[corner], corner, polygon) ?? -1;
                     Vector4 value = found < 0
-                        ? new Vector4(double.NaN, double.NaN, double.NaN, double.NaN) : element!.DataList[found];
+                        ? new Vector4(double.NaN, double.NaN, double.NaN, double.NaN)
+                        : element!.DataList[found];
                     if (found >= 0 && name == PlyNames.CornerNormals)
                         value = new Vector4(item.Normal(value), 0);
                     for (int c = 0; c < size; c++)
@@ -392,7 +400,8 @@ internal sealed class PlyWriter : ISceneWriter
         string prefix = PlyNames.Prefix + name + ".";
         foreach (Property property in source.Properties)
         {
-            if (property is UserProperty { Value: Array array } && array.Length == element.Count && element.Count > 0
+            if (property is UserProperty { Value: Array array } && array.Length == element.Count
+                && element.Count > 0
                 && property.Name.StartsWith(prefix, StringComparison.Ordinal)
                 && element.Find(property.Name[prefix.Length..]) is null
                 && PlyArrays.ToColumn(property.Name[prefix.Length..], array) is { } column)

@@ -4,9 +4,10 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Stl;
 
 /// <summary>
-/// The colours that the attribute words of binary files hold, in the two ways that are in use. With "COLOR=" and four
-/// bytes in the header, a word without its highest bit is the colour of the facet, red in the low bits, and other facets
-/// have the colour of the header. Without it, a word with its highest bit is the colour, blue in the low bits.
+/// The colours that the attribute words of binary files hold, in the two ways that are in use. With "COLOR="
+/// and four bytes in the header, a word without its highest bit is the colour of the facet, red in the low
+/// bits, and other facets have the colour of the header. Without it, a word with its highest bit is the
+/// colour, blue in the low bits.
 /// </summary>
 internal static class StlColors
 {
@@ -35,7 +36,8 @@ internal static class StlColors
     }
 
     /// <summary>The word that holds a colour, in the way without a header.</summary>
-    public static int Encode(Vector4 color) => OwnBit | Five(color.x) << 10 | Five(color.y) << 5 | Five(color.z);
+    public static int Encode(Vector4 color) =>
+        OwnBit | Five(color.x) << 10 | Five(color.y) << 5 | Five(color.z);
 
     private static int Five(double value) => (int)Math.Round(Math.Clamp(value, 0, 1) * 31);
 }

@@ -12,8 +12,8 @@ internal sealed class StlFacets
     private readonly PlacedEntity _item;
     private readonly Mesh _mesh;
 
-    // Three places in the corners of all polygons for each facet, and the polygon that it is a part of; null where all
-    // polygons are triangles.
+    // Three places in the corners of all polygons for each facet, and the polygon that it is a part of; null
+    // where all polygons are triangles.
     private readonly MeshTriangles? _cut;
 
     private readonly VertexElementNormal? _normals;
@@ -34,7 +34,8 @@ internal sealed class StlFacets
                 _colors ??= colors;
         }
         // Words that the header gives their meaning stay as they are only where the header does.
-        bool needsHeader = mesh.GetProperty(StlNames.Header) is byte[] header && StlColors.OfHeader(header) is not null;
+        bool needsHeader = mesh.GetProperty(StlNames.Header) is byte[] header
+            && StlColors.OfHeader(header) is not null;
         if ((keepsHeader || !needsHeader) && mesh.GetProperty(StlNames.Attributes) is int[] attributes
             && attributes.Length == mesh.PolygonCount)
             _attributes = attributes;

@@ -13,10 +13,11 @@ namespace Velbor.Voxlar.Formats.Stl;
 /// Reads STL, text and binary, which the content tells apart.
 /// </summary>
 /// <remarks>
-/// Each solid becomes a node below the root with a mesh of its name. Its polygons are the facets in their order, its
-/// control points the vertices as stored, three for each facet, none merged; the normals of the facets are a normal
-/// element by polygon. Colours in the attribute words of a binary file become a colour element by polygon; the words
-/// themselves and the header are kept as the properties "stl.attributes" and "stl.header".
+/// Each solid becomes a node below the root with a mesh of its name. Its polygons are the facets in their
+/// order, its control points the vertices as stored, three for each facet, none merged; the normals of the
+/// facets are a normal element by polygon. Colours in the attribute words of a binary file become a colour
+/// element by polygon; the words themselves and the header are kept as the properties "stl.attributes" and
+/// "stl.header".
 /// </remarks>
 internal sealed class StlReader : ISceneReader
 {
@@ -136,7 +137,8 @@ internal sealed class StlReader : ISceneReader
         mesh.VertexElements.Add(element);
     }
 
-    // Exchanging two axes turns the space inside out; the corners then run the other way round, from the same first one.
+    // Exchanging two axes turns the space inside out; the corners then run the other way round, from the same
+    // first one.
     private static void Flip(Mesh mesh, Vector4[] normals)
     {
         Span<Vector4> points = CollectionsMarshal.AsSpan(mesh.ControlPointList);

@@ -9,15 +9,15 @@ using Velbor.Voxlar.Utilities;
 namespace Velbor.Voxlar.Formats.Stl;
 
 /// <summary>
-/// Writes STL. Meshes are brought to their places in the scene and polygons cut into triangles; bodies are turned into
-/// meshes first.
+/// Writes STL. Meshes are brought to their places in the scene and polygons cut into triangles; bodies are
+/// turned into meshes first.
 /// </summary>
 /// <remarks>
-/// In text each mesh is a solid of its name and numbers read back the same; a binary file has the facets of all meshes
-/// and single precision. The normal of a facet is that of a normal element by polygon, else it is computed. A binary file
-/// keeps colours by polygon in its attribute words, five bits for each component, and takes the header and the words of
-/// the file that a mesh came from. STL holds no more: names of materials, textures and shared vertices end here. Lines
-/// and points are refused.
+/// In text each mesh is a solid of its name and numbers read back the same; a binary file has the facets of
+/// all meshes and single precision. The normal of a facet is that of a normal element by polygon, else it is
+/// computed. A binary file keeps colours by polygon in its attribute words, five bits for each component, and
+/// takes the header and the words of the file that a mesh came from. STL holds no more: names of materials,
+/// textures and shared vertices end here. Lines and points are refused.
 /// </remarks>
 internal sealed class StlWriter : ISceneWriter
 {
@@ -32,7 +32,8 @@ internal sealed class StlWriter : ISceneWriter
         {
             if (item.Entity is not Mesh)
                 throw context.Error(
-                    $"STL holds triangles only; it has no form for a {item.Entity.GetType().Name} ('{item.Name}')");
+                    "STL holds triangles only; it has no form for a "
+                    + $"{item.Entity.GetType().Name} ('{item.Name}')");
         }
         TextOutput output = new(stream);
         if (context.Format == FileFormat.STLASCII)
@@ -119,7 +120,8 @@ internal sealed class StlWriter : ISceneWriter
     // The words of several files can mean colours in two ways; a header of one of them counts for it alone.
     private static byte[] Header(List<PlacedEntity> placed)
     {
-        if (placed.Count == 1 && placed[0].Entity.GetProperty(StlNames.Header) is byte[] { Length: HeaderSize } kept)
+        if (placed.Count == 1
+            && placed[0].Entity.GetProperty(StlNames.Header) is byte[] { Length: HeaderSize } kept)
             return kept;
         byte[] header = new byte[HeaderSize];
         Encoding.ASCII.GetBytes("binary STL").CopyTo(header, 0);

@@ -2,7 +2,9 @@ using System;
 
 namespace Velbor.Voxlar.Formats.Text;
 
-/// <summary>Whole numbers that are appended one by one; the array is open to the reader that fills it.</summary>
+/// <summary>
+/// Whole numbers that are appended one by one; the array is open to the reader that fills it.
+/// </summary>
 internal sealed class IntBuffer
 {
     /// <summary>The numbers; those from <see cref="Count"/> on mean nothing.</summary>

@@ -33,7 +33,9 @@ internal sealed class PlacedEntity
     /// <summary>A <see cref="Mesh"/>, <see cref="PointCloud"/> or <see cref="Line"/>.</summary>
     public Entity Entity { get; }
 
-    /// <summary>Whether the transform turns the space inside out, so that polygons are to be turned round.</summary>
+    /// <summary>
+    /// Whether the transform turns the space inside out, so that polygons are to be turned round.
+    /// </summary>
     public bool IsMirrored { get; }
 
     /// <summary>The name of the entity, or that of its node where it has none.</summary>
@@ -59,19 +61,20 @@ internal sealed class PlacedEntity
     }
 
     /// <summary>
-    /// The place of a corner of a polygon in the order in which corners are written: turned round, from the same first
-    /// one, where the transform mirrors.
+    /// The place of a corner of a polygon in the order in which corners are written: turned round, from the
+    /// same first one, where the transform mirrors.
     /// </summary>
     public int CornerAt(int start, int size, int k) => IsMirrored && k > 0 ? start + size - k : start + k;
 
     /// <summary>
-    /// What there is to write. Excluded nodes and entities are left out, and so are cameras, lights and skeletons, which
-    /// have no shape; bodies are turned into meshes and curves into polylines.
+    /// What there is to write. Excluded nodes and entities are left out, and so are cameras, lights and
+    /// skeletons, which have no shape; bodies are turned into meshes and curves into polylines.
     /// </summary>
     /// <param name="scene">The scene.</param>
     /// <param name="transform">What is done to all points of the scene.</param>
     /// <param name="context">For failure reports.</param>
-    /// <exception cref="ExportException">An entity has a shape that can be turned into none of the three.</exception>
+    /// <exception cref="ExportException">An entity has a shape that can be turned into none of the
+    /// three.</exception>
     public static List<PlacedEntity> Of(Scene scene, Matrix4 transform, WriteContext context)
     {
         List<PlacedEntity> result = [];
@@ -83,7 +86,10 @@ internal sealed class PlacedEntity
             foreach (Entity source in node.Entities)
             {
                 if (!source.Excluded && Convert(source, context) is { } entity)
-                    result.Add(new PlacedEntity(node, entity, node.EvaluateGlobalTransform(true) * transform));
+                {
+                    Matrix4 global = node.EvaluateGlobalTransform(true);
+                    result.Add(new PlacedEntity(node, entity, global * transform));
+                }
             }
             for (int i = node.ChildNodes.Count - 1; i >= 0; i--)
                 open.Push(node.ChildNodes[i]);

@@ -5,11 +5,12 @@ namespace Velbor.Voxlar.Formats.Text;
 /// <summary>Brings text files of all encodings to UTF-8, and their names to strings.</summary>
 internal static class TextBytes
 {
-    private static readonly UTF8Encoding Strict = new(encoderShouldEmitUTF8Identifier: false, throwOnInvalidBytes: true);
+    private static readonly UTF8Encoding Strict =
+        new(encoderShouldEmitUTF8Identifier: false, throwOnInvalidBytes: true);
 
     /// <summary>
-    /// The text as UTF-8 without byte-order mark. A mark tells the encoding; without one the options do. Bytes of an
-    /// unnamed encoding stay as they are.
+    /// The text as UTF-8 without byte-order mark. A mark tells the encoding; without one the options do.
+    /// Bytes of an unnamed encoding stay as they are.
     /// </summary>
     public static byte[] ToUtf8(byte[] data, ReadContext context)
     {
@@ -25,7 +26,9 @@ internal static class TextBytes
         return told is UTF8Encoding ? data : Encoding.Convert(told, new UTF8Encoding(false), data);
     }
 
-    /// <summary>The bytes as a string: UTF-8 where they are, else each byte is its Latin-1 character.</summary>
+    /// <summary>
+    /// The bytes as a string: UTF-8 where they are, else each byte is its Latin-1 character.
+    /// </summary>
     public static string ToText(System.ReadOnlySpan<byte> bytes)
     {
         try

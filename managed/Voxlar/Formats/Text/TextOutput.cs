@@ -7,7 +7,8 @@ using System.Text;
 namespace Velbor.Voxlar.Formats.Text;
 
 /// <summary>
-/// Writes text and binary values through a buffer. Numbers are written as short as they can be to read back the same.
+/// Writes text and binary values through a buffer. Numbers are written as short as they can be to read back
+/// the same.
 /// </summary>
 internal sealed class TextOutput
 {

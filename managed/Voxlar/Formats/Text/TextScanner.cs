@@ -4,12 +4,12 @@ using System.Globalization;
 namespace Velbor.Voxlar.Formats.Text;
 
 /// <summary>
-/// Reads words and numbers of a text file straight from its bytes. Blanks are all bytes up to the space but the ends of
-/// lines, which are line feeds, carriage returns, or both.
+/// Reads words and numbers of a text file straight from its bytes. Blanks are all bytes up to the space but
+/// the ends of lines, which are line feeds, carriage returns, or both.
 /// </summary>
 /// <remarks>
-/// Lines are counted only when an error is reported. A line that continues on the next one is joined with a byte
-/// (<see cref="JoinedLine"/>) that is a blank and still counts as the end of a line there.
+/// Lines are counted only when an error is reported. A line that continues on the next one is joined with a
+/// byte (<see cref="JoinedLine"/>) that is a blank and still counts as the end of a line there.
 /// </remarks>
 internal sealed class TextScanner
 {
@@ -22,8 +22,8 @@ internal sealed class TextScanner
     // The powers of ten that a double holds exactly: with an exact mantissa, one operation rounds exactly.
     private static readonly double[] Powers =
     [
-        1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19,
-        1e20, 1e21, 1e22,
+        1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17,
+        1e18, 1e19, 1e20, 1e21, 1e22,
     ];
 
     private readonly ReadContext _context;
@@ -155,8 +155,8 @@ internal sealed class TextScanner
     }
 
     /// <summary>
-    /// The next number of the line, rounded exactly, with nan and inf in their usual spellings. An exponent behind a
-    /// stray sign, as in 3.1+e2, counts for nothing, as it does for most readers.
+    /// The next number of the line, rounded exactly, with nan and inf in their usual spellings. An exponent
+    /// behind a stray sign, as in 3.1+e2, counts for nothing, as it does for most readers.
     /// </summary>
     /// <returns>False, and no move, where no number stands.</returns>
     public bool TryNumber(out double value)
@@ -308,7 +308,8 @@ internal sealed class TextScanner
             _data.AsSpan(start, end - start), NumberStyles.Float, CultureInfo.InvariantCulture, out value);
     }
 
-    // What may stand behind the digits: a comment, a stray exponent, or the spelling 1.#INF of some C libraries.
+    // What may stand behind the digits: a comment, a stray exponent, or the spelling 1.#INF of some C
+    // libraries.
     private bool TryTail(int at, ref double value)
     {
         ReadOnlySpan<byte> rest = _data.AsSpan(at);
@@ -350,6 +351,7 @@ internal sealed class TextScanner
         return false;
     }
 
-    private static bool IsOneOf(ReadOnlySpan<byte> word, ReadOnlySpan<byte> first, ReadOnlySpan<byte> second) =>
+    private static bool IsOneOf(
+        ReadOnlySpan<byte> word, ReadOnlySpan<byte> first, ReadOnlySpan<byte> second) =>
         System.Text.Ascii.EqualsIgnoreCase(word, first) || System.Text.Ascii.EqualsIgnoreCase(word, second);
 }

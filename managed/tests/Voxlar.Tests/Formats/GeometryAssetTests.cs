@@ -12,7 +12,9 @@ using Xunit.Abstractions;
 
 namespace Velbor.Voxlar.Tests.Formats;
 
-/// <summary>Real files of OBJ, STL and PLY against what is known about them, and through each other's formats.</summary>
+/// <summary>
+/// Real files of OBJ, STL and PLY against what is known about them, and through each other's formats.
+/// </summary>
 public class GeometryAssetTests(ITestOutputHelper output)
 {
     private static readonly (string Name, FileFormat Format, Func<SaveOptions> Options)[] Targets =
@@ -126,8 +128,8 @@ public class GeometryAssetTests(ITestOutputHelper output)
         }
         else if (format == FileFormat.GLTF2_Binary)
         {
-            // Vertices are told apart by their attributes there, polygons are triangles, and points that nothing shows
-            // and nodes without content are left out.
+            // Vertices are told apart by their attributes there, polygons are triangles, and points that
+            // nothing shows and nodes without content are left out.
             wanted = wanted with { Points = found.Points, Entities = found.Entities, Polygons = found.Polygons, Segments = found.Segments };
         }
         if (wanted != found)
@@ -197,7 +199,8 @@ public class GeometryAssetTests(ITestOutputHelper output)
             .Where(truth => formats.Contains(truth.GetProperty("fmt").GetString()));
     }
 
-    // Of meshes and clouds that have points; points of lines and clouds beside a mesh are copies of it and do not count.
+    // Of meshes and clouds that have points; points of lines and clouds beside a mesh are copies of it and do
+    // not count.
     private sealed record Counts(int Entities, int Points, int Polygons, int Triangles, int Segments)
     {
         public static Counts Of(Scene scene)
