@@ -40,7 +40,8 @@ def nodes_of(node: Any) -> Iterator[Any]:
         yield from nodes_of(child)
 
 
-def summarize(scene: Any) -> Summary:
+def summarize(scene: Any, instanced: bool = False) -> Summary:
+    """Counts each entity once, or once for every node that shows it."""
     import velbor
     from velbor.voxlar.entities import Camera, Light, Line, Mesh, PointCloud
 
@@ -52,7 +53,8 @@ def summarize(scene: Any) -> Summary:
         summary.nodes += 1
         for item, kept in [*((e, entities) for e in node.entities), *((m, materials) for m in node.materials)]:
             key = (hash(item), kept is entities)
-            if item is not None and not (key in seen and any(item == other for other in kept)):
+            known = key in seen and any(item == other for other in kept)
+            if item is not None and (not known or (instanced and kept is entities)):
                 seen.add(key)
                 kept.append(item)
     summary.nodes -= 1  # the root is the scene's own
@@ -117,8 +119,15 @@ KEPT = {
 }
 
 
+# Formats without a scene graph hold an entity that several nodes show once for each of them.
+FLAT = (".obj", ".stl", ".ply")
+
+
 def round_trip(scene: Any, summary: Summary, folder: Path, target: str) -> List[str]:
     from velbor.voxlar import Scene
+
+    if target in FLAT:
+        summary = summarize(scene, instanced=True)
 
     path = folder / f"again{target}"
     try:
