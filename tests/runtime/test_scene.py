@@ -579,7 +579,7 @@ def test_a_stream_equals_a_path(name: str, tmp_path: Path) -> None:
 
 
 def test_the_formats_that_are_built() -> None:
-    assert {"GLTF2", "GLTF2_BINARY"} <= set(BUILT)
+    assert {"GLTF2", "GLTF2_BINARY", "WAVEFRONT_OBJ", "STL_BINARY", "STLASCII", "PLY"} <= set(BUILT)
 
 
 def test_a_stream_that_a_file_system_gives(tmp_path: Path) -> None:

@@ -94,6 +94,9 @@ internal sealed class PlyElement
     /// <summary>The number of rows.</summary>
     public int Count { get; set; }
 
+    /// <summary>Where each row starts in the file.</summary>
+    public int[] Places { get; set; } = [];
+
     /// <summary>The columns.</summary>
     public List<PlyColumn> Columns { get; } = [];
 

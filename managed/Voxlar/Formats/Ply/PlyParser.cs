@@ -36,6 +36,11 @@ internal sealed class PlyParser
     /// <summary>The lines of obj_info of the header.</summary>
     public List<string> Infos { get; } = [];
 
+    /// <summary>A failure in a row: the line of a text, else the byte.</summary>
+    public ImportException ErrorIn(PlyElement element, int row, string reason) => _isText
+        ? _text.ErrorAt(element.Places[row], reason)
+        : _context.ErrorAtByte(element.Places[row], reason);
+
     private void ReadHeader()
     {
         if (!_text.Word().SequenceEqual("ply"u8))
@@ -152,6 +157,7 @@ internal sealed class PlyParser
         for (int row = 0; row < element.Count; row++)
         {
             _text.SkipSpace();
+            element.Places[row] = _text.Position;
             for (int i = 0; i < element.Columns.Count; i++)
             {
                 PlyColumn column = element.Columns[i];
@@ -183,6 +189,7 @@ internal sealed class PlyParser
 
     private static DoubleBuffer[] Prepare(PlyElement element)
     {
+        element.Places = new int[element.Count];
         DoubleBuffer[] lists = new DoubleBuffer[element.Columns.Count];
         for (int i = 0; i < lists.Length; i++)
         {
@@ -223,6 +230,7 @@ internal sealed class PlyParser
         PlyColumn[] columns = [.. element.Columns];
         for (int row = 0; row < element.Count && least > 0; row++)
         {
+            element.Places[row] = reader.Position;
             for (int i = 0; i < columns.Length; i++)
             {
                 PlyColumn column = columns[i];

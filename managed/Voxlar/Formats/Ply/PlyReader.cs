@@ -24,13 +24,14 @@ internal sealed class PlyReader : ISceneReader
 {
     private readonly HashSet<PlyColumn> _used = [];
     private ReadContext _context = null!;
+    private PlyParser _file = null!;
     private bool _flip;
 
     public void Read(Stream stream, Scene scene, ReadContext context)
     {
         _context = context;
         _flip = context.OptionsAs<PlyLoadOptions>().FlipCoordinateSystem;
-        PlyParser file = new(context.ReadAll(stream), context);
+        PlyParser file = _file = new(context.ReadAll(stream), context);
         PlyElement? vertices = Find(file, PlyNames.Vertex);
         PlyElement? faces = Find(file, PlyNames.Face);
         PlyColumn? corners = faces is null ? null : CornersOf(faces);
@@ -175,11 +176,11 @@ internal sealed class PlyReader : ISceneReader
             int start = corners.Start(row);
             int size = corners.Ends[row] - start;
             if (size < 3)
-                throw _context.Error($"face {row} has {size} corners; it needs at least 3");
+                throw _file.ErrorIn(faces, row, $"face {row} has {size} corners; it needs at least 3");
             if (polygon.Length < size)
                 polygon = new int[size];
             for (int k = 0; k < size; k++)
-                polygon[k] = IndexOf(mesh, corners.Values[CornerAt(start, size, k)], "face", row);
+                polygon[k] = IndexOf(mesh, corners.Values[CornerAt(start, size, k)], faces, row);
             polygons.Add(new ReadOnlySpan<int>(polygon, 0, size));
         }
         AddElements(mesh, faces, MappingMode.Polygon);
@@ -192,11 +193,11 @@ internal sealed class PlyReader : ISceneReader
     // first one.
     private int CornerAt(int start, int size, int k) => _flip && k > 0 ? start + size - k : start + k;
 
-    private int IndexOf(Geometry geometry, double value, string what, int row)
+    private int IndexOf(Geometry geometry, double value, PlyElement element, int row)
     {
         if (!(value >= 0 && value < geometry.ControlPointList.Count) || value != Math.Floor(value))
-            throw _context.Error(FormattableString.Invariant(
-                $"{what} {row} uses vertex {value}, but there are {geometry.ControlPoints.Count} vertices"));
+            throw _file.ErrorIn(element, row, FormattableString.Invariant(
+                $"{element.Name} {row} uses vertex {value}, but there are {geometry.ControlPoints.Count} vertices"));
         return (int)value;
     }
 
@@ -275,11 +276,11 @@ internal sealed class PlyReader : ISceneReader
                     start = i + 1;
                     continue;
                 }
-                int c = IndexOf(mesh, corners.Values[i], "strip", row);
+                int c = IndexOf(mesh, corners.Values[i], strips, row);
                 if (i - start < 2)
                     continue;
-                int a = IndexOf(mesh, corners.Values[i - 2], "strip", row);
-                int b = IndexOf(mesh, corners.Values[i - 1], "strip", row);
+                int a = IndexOf(mesh, corners.Values[i - 2], strips, row);
+                int b = IndexOf(mesh, corners.Values[i - 1], strips, row);
                 if (a == b || b == c || a == c)
                     continue;
                 bool isTurned = (i - start) % 2 == 1 != _flip;
@@ -306,7 +307,7 @@ internal sealed class PlyReader : ISceneReader
 
         int Place(double value, int row)
         {
-            int vertex = IndexOf(geometry, value, "edge", row);
+            int vertex = IndexOf(geometry, value, edges, row);
             if (!places.TryGetValue(vertex, out int place))
             {
                 places.Add(vertex, place = line.ControlPoints.Count);

@@ -207,8 +207,8 @@ public class PlyTests
     [InlineData("ply\nformat ascii 1.0\nelement v 1\nproperty list int int x\nend_header\n2147483647 1\n", "line 6: a list 'x' of 2147483647 values")]
     [InlineData("ply\nformat ascii 1.0\nelement v 1\nproperty int x\nend_header\na\n", "line 6: 'a' stands where x is expected")]
     [InlineData("ply\nformat ascii 1.0\nelement v 1\nproperty int x\nend_header\n1 2\n", "line 6: a row of 'v' has more values")]
-    [InlineData("ply\nformat ascii 1.0\nelement face 1\nproperty list int int vertex_index\nend_header\n3 0 1 2\n", "face 0 uses vertex 0")]
-    [InlineData("ply\nformat ascii 1.0\nelement face 1\nproperty list int int vertex_index\nend_header\n2 0 1\n", "face 0 has 2 corners")]
+    [InlineData("ply\nformat ascii 1.0\nelement face 1\nproperty list int int vertex_index\nend_header\n3 0 1 2\n", "line 6: face 0 uses vertex 0")]
+    [InlineData("ply\nformat ascii 1.0\nelement face 1\nproperty list int int vertex_index\nend_header\n2 0 1\n", "line 6: face 0 has 2 corners")]
     public void What_is_malformed_is_refused_with_place_and_reason(string text, string reason)
     {
         var e = Assert.Throws<ImportException>(() => Read(text));
