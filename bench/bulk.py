@@ -79,7 +79,8 @@ def meshes() -> None:
         polygons()
         normals()
 
-    say("50,000 Vector4 from Python floats", least(lambda: [Vector4(x, y, 0.0, 1.0) for x, y in places])[0] * 1e3, "ms")
+    made = least(lambda: [Vector4(x, y, 0.0, 1.0) for x, y in places])[0]
+    say("50,000 Vector4 from Python floats", made * 1e3, "ms")
     say("control_points.extend(list)", least(extend)[0] * 1e3, "ms")
     say("control_points[:] = list", least(assign)[0] * 1e3, "ms")
     extend()
@@ -120,7 +121,8 @@ def meshes() -> None:
         target.extend(iter(points))
 
     joined, walked = least(join, one_by_one)
-    say("x += y between managed lists, an element", joined / 5e4 * 1e9, "ns", more=f"from Python {walked / 5e4 * 1e9:.0f} ns")
+    joined, walked = joined / len(points) * 1e9, walked / len(points) * 1e9
+    say("x += y between managed lists, an element", joined, "ns", more=f"from Python {walked:.0f} ns")
 
 
 # --- growth --------------------------------------------------------------------------------------------
@@ -130,7 +132,8 @@ def growth(sizes: List[int]) -> None:
     from velbor.voxlar.entities import VertexElementNormal
 
     kinds = ("iteration", "extend from Python", "slice to Python", "item by index", "x += managed")
-    print(f"\n{'ns an element of a list of integers':32}" + "".join(f"{size:>14,}" for size in sizes) + f"{'most/least':>12}")
+    heads = "".join(f"{size:>14,}" for size in sizes)
+    print(f"\n{'ns an element, list of integers':32}{heads}{'most/least':>12}")
     rows: dict = {kind: [] for kind in kinds}
     for size in sizes:
         rounds = 3 if size > 1_000_000 else 7
@@ -155,12 +158,14 @@ def growth(sizes: List[int]) -> None:
             target.clear()
             target.extend(managed)
 
-        for kind, seconds in zip(kinds, least(iterate, extend, lambda: managed[:], index, join, rounds=rounds)):
+        figures = least(iterate, extend, lambda: managed[:], index, join, rounds=rounds)
+        for kind, seconds in zip(kinds, figures):
             rows[kind].append(seconds / size * 1e9)
         target.clear()
         managed.clear()
     for kind, figures in rows.items():
-        print(f"{kind:32}" + "".join(f"{figure:14.1f}" for figure in figures) + f"{max(figures) / min(figures):12.2f}")
+        row = "".join(f"{figure:14.1f}" for figure in figures)
+        print(f"{kind:32}{row}{max(figures) / min(figures):12.2f}")
 
 
 # --- streams -------------------------------------------------------------------------------------------
@@ -183,7 +188,8 @@ def streams(total: int) -> None:
     from velbor.voxlar.utilities import MemoryFileSystem
 
     print()
-    data, mesh, pieces = os.urandom(PIECE), vertices(PIECE), 50  # so few that a round fits into a slice of time
+    pieces = 50  # so few that a round fits into a slice of time
+    data, mesh = os.urandom(PIECE), vertices(PIECE)
     kept = io.BytesIO(bytes(PIECE))
 
     def ours_to_memory() -> None:
@@ -197,7 +203,8 @@ def streams(total: int) -> None:
             kept.write(data)
 
     ours, floor = least(ours_to_memory, floor_to_memory, rounds=400)
-    say("64 KiB into a BytesIO: managed over plain Python", ours / floor, "", "1.7", f"{ours / pieces * 1e6:.1f} us a piece")
+    each = f"{ours / pieces * 1e6:.1f} us a piece"
+    say("64 KiB into a BytesIO: managed over plain Python", ours / floor, "", "1.7", each)
 
     stream = MemoryFileSystem().write_file("a", FileFormat.GLTF2.create_save_options())
     room = bytearray(PIECE)
@@ -223,7 +230,8 @@ def streams(total: int) -> None:
 
     for name, make in (("readinto", readinto), ("write", write)):
         ours, floor = least(make(stream), make(kept), rounds=400)
-        say(f"64 KiB {name}, managed stream over BytesIO", ours / floor, "", None, f"{ours / pieces * 1e6:.1f} us a piece")
+        each = f"{ours / pieces * 1e6:.1f} us a piece"
+        say(f"64 KiB {name}, managed stream over BytesIO", ours / floor, "", None, each)
 
     with tempfile.TemporaryFile(buffering=0) as file:
         to_file(file, total)
