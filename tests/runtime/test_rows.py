@@ -37,7 +37,7 @@ from velbor.voxlar.utilities import (
 
 OPTIONS = FileFormat.GLTF2.create_save_options()
 
-# --- file systems --------------------------------------------------------------------------------------------
+# --- file systems --------------------------------------------------------------------------------------
 
 
 def test_memory() -> None:
@@ -116,7 +116,7 @@ def test_a_format_writes_its_companions_to_the_file_system_told(tmp_path: Path) 
         read.open(str(path), loading)
 
 
-# --- vertices ------------------------------------------------------------------------------------------------
+# --- vertices ------------------------------------------------------------------------------------------
 
 
 def declaration() -> tuple[VertexDeclaration, list[Any]]:
@@ -191,7 +191,7 @@ def test_raw_data_go_in_and_out() -> None:
             TriMesh.from_raw_data(made, data, indices, False)
 
 
-# --- vertex elements -------------------------------------------------------------------------------------------
+# --- vertex elements -----------------------------------------------------------------------------------
 
 POINTS = [Vector4(1.0, 2.0, 3.0, 4.0), Vector4()]
 
@@ -257,7 +257,7 @@ def test_coordinates_come_from_any_iterable() -> None:
         element.add_data([Vector3()])
 
 
-# --- point clouds and key frames ---------------------------------------------------------------------------------
+# --- point clouds and key frames -----------------------------------------------------------------------
 
 
 def test_a_point_cloud_takes_the_points_of_a_mesh() -> None:

@@ -116,7 +116,7 @@ def test_it_is_closed_like_a_bytesio() -> None:
     for file in (stream, model):
         file.close()
         file.close()
-    for name in ("read", "readline", "readlines", "tell", "flush", "isatty", "readable", "seekable", "writable"):
+    for name in "read readline readlines tell flush isatty readable seekable writable".split():
         assert outcome(getattr(stream, name)) == outcome(getattr(model, name)) == ("error", ValueError), name
     assert stream.closed
     with pytest.raises(ValueError, match="fileno method is not supported"):

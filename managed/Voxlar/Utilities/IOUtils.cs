@@ -17,7 +17,7 @@ public static class IOUtils
             long left = Math.Max(0, stream.Length - stream.Position);
             if (left > MaxLength)
                 throw new IOException($"The stream has {left} bytes; at most {MaxLength} can be read at once.");
-            byte[] exact = new byte[left];
+            byte[] exact = GC.AllocateUninitializedArray<byte>((int)left);  // what the read fills is given
             int read = stream.ReadAtLeast(exact, exact.Length, throwOnEndOfStream: false);
             return read == exact.Length ? exact : exact[..read];
         }

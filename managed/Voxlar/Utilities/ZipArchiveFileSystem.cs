@@ -124,7 +124,7 @@ public class ZipArchiveFileSystem : FileSystem
             return IOUtils.ReadToEnd(packed);
         if (entry.Length > MaxEntrySize || entry.Length > MaxRatio * (entry.CompressedLength + 1))
             throw new InvalidDataException($"The file '{fileName}' in the archive is too large.");
-        byte[] content = new byte[entry.Length];
+        byte[] content = GC.AllocateUninitializedArray<byte>((int)entry.Length);  // the read fills it
         if (packed.ReadAtLeast(content, content.Length, throwOnEndOfStream: false) < content.Length
             || packed.ReadByte() >= 0)
             throw new InvalidDataException($"The file '{fileName}' in the archive has not the announced size.");
