@@ -247,9 +247,11 @@ def test_a_managed_time_arrives_by_its_kind(managed: Any, voxlar: Any) -> None:
     moment = datetime(2024, 2, 29, 23, 59, 59, 999999)
 
     def answer(kind: int, offset: int) -> None:
-        raw = kind << 62 | ticks(moment)
-        managed.answer("AssetInfo", "get_CreationTime",
-                       lambda handle, flag, out: (managed.store(flag, "i", 1), managed.store(out, "Qq", raw, offset)) and None)  # fmt: skip
+        def get(handle: int, flag: int, out: int) -> None:
+            managed.store(flag, "i", 1)
+            managed.store(out, "Qq", kind << 62 | ticks(moment), offset)
+
+        managed.answer("AssetInfo", "get_CreationTime", get)
 
     answer(0, 7)
     assert info.creation_time == moment and info.creation_time.tzinfo is None

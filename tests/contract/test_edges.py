@@ -36,7 +36,8 @@ def test_a_type_that_lists_an_interface_passes_without_a_question(managed: Any, 
                         assert CATALOGUE.types[wanted].managed_class not in asked
                         tried += bool(managed.calls_of(overload.entry))
     for wrapped, prop in interface_setters():
-        for implementer in [t for t in CATALOGUE.types.values() if prop.type.type_name in (*t.interfaces, t.base_name)]:
+        wanted = prop.type.type_name
+        for implementer in [t for t in CATALOGUE.types.values() if wanted in (*t.interfaces, t.base_name)]:
             managed.calls.clear()
             setattr(blank(voxlar, wrapped), prop.name, blank(voxlar, implementer))
             assert managed.calls_of("btp_IsAssignable") == [] and len(managed.calls_of(prop.setter)) == 1
@@ -93,7 +94,8 @@ def test_flags_combine(managed: Any, voxlar: Any) -> None:
 
 
 def test_built_ins_of_enums_are_no_members(voxlar: Any) -> None:
-    names = {"_type_of", "_cast_to", "_cast_from", "_reinterpret_obj", "_as_uni_enum", "_cast_as", "_is_assignable", "get_type"}
+    names = {"_type_of", "_cast_to", "_cast_from", "_reinterpret_obj", "_as_uni_enum", "_cast_as", "_is_assignable",
+             "get_type"}  # fmt: skip
     for row in CATALOGUE.enums.values():
         owner = voxlar if row.module is CATALOGUE.modules[0] else getattr(voxlar, row.module.short)
         made = getattr(owner, row.name)

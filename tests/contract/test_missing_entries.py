@@ -15,7 +15,8 @@ _SCRIPT = Path(__file__).resolve().parent / "missing_entries.py"
 
 def run(mode: str) -> List[str]:
     """The lines of a run in a process of its own, which holds everything itself."""
-    done = subprocess.run([sys.executable, str(_SCRIPT), mode], capture_output=True, text=True, timeout=600, check=False)
+    command = [sys.executable, str(_SCRIPT), mode]
+    done = subprocess.run(command, capture_output=True, text=True, timeout=600, check=False)
     assert done.returncode == 0, done.stdout[-2000:] + done.stderr[-4000:]
     print(done.stdout)
     return done.stdout.splitlines()

@@ -1,5 +1,5 @@
-"""A call by position takes a quick way, past CPython's parse. Here each is held against the told way through that parse:
-the same entry point with the same arguments, the same exception, the same text.
+"""A call takes a quick way, past CPython's parse. Here each is held against the told way through that parse: the same
+entry point with the same arguments, the same exception, the same text.
 
 A keyword that answers no comparison forces the told way: the quick way compares it and gives up, the parse finds it.
 """
@@ -19,8 +19,8 @@ HANDLES = 0x10000  # of the scripted side begin here
 class Shy(str):
     """A keyword that is equal to nothing in the first comparisons with it: the quick way's."""
 
-    refusals = 0
-    answers = 0
+    refused = 0  # by all of them
+    refusals = 0  # still due, of a text of one letter
 
     __hash__ = str.__hash__
 
@@ -30,10 +30,7 @@ class Shy(str):
             self.refusals -= 1
             Shy.refused += 1
             raise LookupError("shy")
-        self.answers += 1
         return str.__eq__(self, other)  # type: ignore[arg-type]
-
-    refused = 0
 
 
 def wrong_values(voxlar: Any) -> List[Any]:
@@ -42,25 +39,25 @@ def wrong_values(voxlar: Any) -> List[Any]:
     class Whole(int):
         pass
 
-    return [None, True, 5, 2**70, -1, 1.5, "text", b"bytes", [], (), {}, [1], [None], object(), Whole(3), voxlar.Axis.Y_AXIS,
-            voxlar.Node.__new__(voxlar.Node), voxlar.utilities.Vector3.__new__(voxlar.utilities.Vector3),
+    return [None, True, 5, 2**70, -1, 1.5, "text", b"bytes", [], (), {}, [1], [None], object(), Whole(3),
+            voxlar.Axis.Y_AXIS, voxlar.Node.__new__(voxlar.Node), voxlar.utilities.Vector3.__new__(voxlar.utilities.Vector3),
             voxlar.entities.Mesh.__new__(voxlar.entities.Mesh), memoryview(b"bytes"), voxlar.Node._type_of()]  # fmt: skip
 
 
-def calls(wanted: Tuple[Overload, ...], voxlar: Any, wrong: List[Any], index: int) -> Iterator[Tuple[Overload, List[Any]]]:
-    """(overload, arguments): those that fit, then each argument wrong in turn, then all wrong."""
-    for overload in wanted:
+def calls(group: Tuple[Overload, ...], voxlar: Any, wrong: List[Any], index: int) -> Iterator[List[Any]]:
+    """Arguments for each overload: those that fit, then each one wrong in turn, then all wrong."""
+    for overload in group:
         if not overload.parameters:
             continue
         good = samples.arguments(voxlar, overload)
-        yield overload, good
+        yield good
         for position in range(len(good)):
             for offset in range(len(wrong) if len(good) < 4 else 3):
                 changed = list(good)
                 changed[position] = wrong[(index + offset) % len(wrong)]
-                yield overload, changed
+                yield changed
         for offset in range(4):
-            yield overload, [wrong[(index + offset + 5 * i) % len(wrong)] for i in range(len(good))]
+            yield [wrong[(index + offset + 5 * i) % len(wrong)] for i in range(len(good))]
 
 
 class Recorder:
@@ -99,8 +96,8 @@ def seen(managed: Any, kind: str, value: Any) -> Any:
 
 
 def shy_keywords(group: Tuple[Overload, ...], overload: Overload, arguments: List[Any]) -> Optional[Dict[str, Any]]:
-    """The arguments by keywords that the quick way does not see; None where one-letter names leave it unclear how often
-    that asks."""
+    """The arguments by keywords that the quick way does not see; None where one-letter names leave it unclear how
+    often that asks."""
     keywords: Dict[str, Any] = {}
     rivals = [o for o in group if len(o.parameters) == len(overload.parameters) and o is not overload]
     for parameter, value in zip(overload.parameters, arguments):
@@ -121,7 +118,7 @@ def test_both_ways_are_one(managed: Any, voxlar: Any, monkeypatch: Any) -> None:
     compared = unclear = refused = 0
     for number, wrapped in enumerate(CATALOGUE.types.values()):
         for name, group, call in callables(voxlar, wrapped):
-            for overload, arguments in calls(group, voxlar, wrong, number):
+            for arguments in calls(group, voxlar, wrong, number):
                 managed.calls.clear()
                 told: List[Tuple[int, Tuple[Any, List[Any]]]] = []
                 for index, row in enumerate(group):
