@@ -63,8 +63,8 @@ def calls() -> List[Tuple[str, float, float, Optional[float]]]:
     floor_module = load_floor()
     from velbor.voxlar import Node, Scene
     from velbor.voxlar.deformers import MorphTargetChannel
-    from velbor.voxlar.entities import Shape
-    from velbor.voxlar.utilities import Vector3
+    from velbor.voxlar.entities import Mesh, Shape
+    from velbor.voxlar.utilities import Vector3, Vector4
 
     f = floor_module.Floor()
     f2 = floor_module.Floor()
@@ -75,6 +75,8 @@ def calls() -> List[Tuple[str, float, float, Optional[float]]]:
     channel.targets.extend([Shape() for _ in range(1000)])  # one weight a target: a managed list of doubles
     weights = channel.weights
     scene = Scene()
+    mesh = Mesh()
+    mesh.control_points.extend([Vector4() for _ in range(4)])
     rows: List[Tuple[str, float, float, Optional[float]]] = []
 
     def add(name: str, aim: Optional[float], floor: str, floor_names: dict, ours: str, our_names: dict, per: int = 1) -> None:
@@ -84,10 +86,10 @@ def calls() -> List[Tuple[str, float, float, Optional[float]]]:
     add("property set, double", 1.4, "o.x = 2.5", {"o": f}, "o.x = 2.5", {"o": vector})
     add("property get, str", 1.25, "o.name", {"o": f}, "o.name", {"o": node})
     add("property set, str", None, "o.name = 'a name of some length'", {"o": f}, "o.name = 'a name of some length'", {"o": node})
-    add("one str argument", 0.8, "o.take_text('none')", {"o": f}, "o.find_property('none')", {"o": node})
-    add("the same by keyword", 0.6, "o.take_text(text='none')", {"o": f}, "o.find_property(property_name='none')", {"o": node})
+    add("one str argument", 0.8, "o.take_text('none')", {"o": f}, "o.get_animation_clip('none')", {"o": scene})
+    add("the same by keyword", 0.6, "o.take_text(text='none')", {"o": f}, "o.get_animation_clip(name='none')", {"o": scene})
     add("one wrapper argument", 0.6, "o.take_object(p)", {"o": f, "p": f2}, "o.compare_to(p)", {"o": vector, "p": Vector3(1.5, 2.5, 3.5)})
-    add("overload, third row accepts", 0.06, "o.overload('none')", {"o": f}, "t('none')", {"t": node.remove_property})
+    add("overload, third row accepts", 0.06, "o.overload('none')", {"o": f}, "t(0, 1, 2, 3)", {"t": mesh.create_polygon})
     add("construct and its end", 0.9, "t()", {"t": floor_module.Floor}, "t()", {"t": Vector3})
     add("fresh wrapper and its end", 1.9, "o.child()", {"o": f}, "o.root_node", {"o": scene})
     add("len", 1.4, "len(o)", {"o": f}, "len(o)", {"o": weights})
