@@ -82,3 +82,79 @@ def test_a_failing_entry_point(name: str, managed: Any, voxlar: Any) -> None:
         else:
             assert _is_hidden(wrapped, entry), f"{name}.{entry} failed in managed code, and the call gave {result!r}"
     assert ran > 0
+
+
+def _object(managed: Any, voxlar: Any) -> Any:
+    """A System.Object wrapper, as `_reinterpret_obj` needs one."""
+
+    def cast_from(_this: int, _type: int, out: int) -> int:
+        managed.store(out, "Q", managed.new_handle())
+        return 1
+
+    managed.answer("Vector3", "btp_CastFrom", cast_from)
+    _, made = voxlar.utilities.Vector3()._cast_from(voxlar.Node._type_of())
+    return made
+
+
+@pytest.mark.parametrize("name", sorted(CATALOGUE.enums))
+def test_a_failing_entry_point_of_an_enum(name: str, managed: Any, voxlar: Any) -> None:
+    row = CATALOGUE.enums[name]
+    owner = voxlar if row.module is CATALOGUE.modules[0] else getattr(voxlar, row.module.short)
+    enum = getattr(owner, name)
+    member, node, thing = list(enum)[0], voxlar.Node(), _object(managed, voxlar)
+    for entry, call in (
+        ("btp_TypeOf", enum._type_of),
+        ("btp_CastTo", lambda: enum._cast_to(node)),
+        ("btp_CastAs", lambda: enum._cast_as(node)),
+        ("btp_ReInterpretObj", lambda: enum._reinterpret_obj(thing)),
+        ("btp_AsUniEnum", member._as_uni_enum),
+        ("btp_GetType", member.get_type),
+    ):
+        error = Boom(f"{name}.{entry}")
+        managed.fail(row.managed_class, entry, error, result=-1 if entry.startswith("btp_Cast") else 0)
+        with pytest.raises(Boom) as caught:
+            call()
+        assert caught.value is error
+
+
+@pytest.mark.parametrize("name", sorted(n for n, t in CATALOGUE.types.items() if "btp_ReInterpretObj" in t.builtins))
+def test_a_failing_view_of_an_object(name: str, managed: Any, voxlar: Any) -> None:
+    wrapped = CATALOGUE.types[name]
+    thing = _object(managed, voxlar)
+    error = Boom(name)
+    managed.fail(wrapped.managed_class, "btp_ReInterpretObj", error)
+    with pytest.raises(Boom) as caught:
+        samples.python_type(voxlar, wrapped)._reinterpret_obj(thing)
+    assert caught.value is error
+
+
+def test_a_failing_stream(managed: Any, voxlar: Any) -> None:
+    """Each entry point of the stream host but the casts, which have their own table."""
+    files = voxlar.utilities.MemoryFileSystem()
+
+    def read_file(_this: int, _name: int, _options: int, out: int) -> None:
+        managed.store(out, "iIQQ", 0, 0, managed.new_handle(), 7)
+
+    managed.answer("MemoryFileSystem", "call_000_ReadFile", read_file)
+    managed.answer("SiApiStream", "CanSeek", lambda handle: 1)
+    for entry, call in (
+        ("CanRead", lambda s: s.readable()),
+        ("CanSeek", lambda s: s.seekable()),
+        ("CanWrite", lambda s: s.writable()),
+        ("Position", lambda s: s.tell()),
+        ("Flush", lambda s: s.flush()),
+        ("Read", lambda s: s.read(4)),
+        ("Read", lambda s: s.readall()),
+        ("Read", lambda s: s.readinto(bytearray(4))),
+        ("Seek", lambda s: s.seek(0)),
+        ("SetLength", lambda s: s.truncate(0)),
+        ("Write", lambda s: s.write(b"x")),
+        ("Close", lambda s: s.close()),
+    ):
+        stream = files.read_file("name", None)
+        error = Boom(entry)
+        managed.fail("SiApiStream", entry, error)
+        with pytest.raises(Boom) as caught:
+            call(stream)
+        assert caught.value is error
+        managed.answer("SiApiStream", entry, lambda *_: 1)
