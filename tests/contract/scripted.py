@@ -179,7 +179,7 @@ class ManagedSide:
         if result == "void*":
             return self.new_handle()
         if result == "PyObject*":
-            return None if method == "SqGetItemNoCheck" else self.standin.object_at(self.standin.give(None))
+            return None if method == "SqGetItemNoCheck" else ""
         return 0
 
     def _exchange(self, method: str, values: Tuple[Any, ...]) -> Any:
