@@ -24,7 +24,7 @@ _SCALAR_CONVERTERS = {
     Kind.STR: "fn_conv_py_string_to_clr_string",
     Kind.BYTES: "fn_conv_py_bytes_to_clr_bytes",
     Kind.OBJECT: "fn_conv_py_variant_to_clr_variant",
-    Kind.SYSTEM_TYPE: "wrpPyl_convcaps_py_to_clr_C08ECFAB_Type",
+    Kind.SYSTEM_TYPE: "fn_conv_py_type_to_clr_type",
     Kind.DOUBLE: "fn_conv_py_float_to_clr_double",
     Kind.SINGLE: "fn_conv_py_float_to_clr_float",
     Kind.INT32: "fn_conv_py_long_to_clr_int32",

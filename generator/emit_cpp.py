@@ -90,12 +90,9 @@ def _indent(lines: list[str], width: int = 4) -> list[str]:
 def _host_class(name: str, managed_class: str, entries: list[EntryPoint]) -> list[str]:
     """The type host: one list gives the names, the slots and the forwarders."""
     lines = [
-        f"class {name} final : public SlottedHost<{len(entries)}> {{",
+        f"class {name} final : public SlottedHost<{len(entries)}>, public SingleHost<{name}> {{",
         "public:",
-        f"    static const {name}& get_instance() {{",
-        f"        static const {name} instance;",
-        "        return instance;",
-        "    }",
+        f'    {name}() : SlottedHost("{managed_class}", names) {{}}',
     ]
     for index, entry in enumerate(entries):
         parameters = ", ".join(f"{kind} a{i}" for i, kind in enumerate(entry.arguments))
@@ -107,8 +104,6 @@ def _host_class(name: str, managed_class: str, entries: list[EntryPoint]) -> lis
     lines += [
         "",
         "private:",
-        f'    {name}() : SlottedHost("{managed_class}", names) {{}}',
-        "",
         "    static constexpr const char* names[] = {",
         *(f'        "{entry.name}",' for entry in entries),
         "    };",
@@ -325,9 +320,11 @@ class _TypeWriter:
         native = self.native
         references = ", ".join(self._references())
         self.out += [
+            f"static PyHostState wrpPy_uafn_{native}_settle() {{",
+            f"    return fn_aggregate_host_state({self.host}::get_instance(), {{{references}}});",
+            "}\n",
             f"static const PyHostState& wrpPy_uafn_{native}_get_aggregate_host_state() {{",
-            f"    static const PyHostState state = fn_aggregate_host_state({self.host}::get_instance(), {{{references}}});",
-            "    return state;",
+            f"    return MadeOnce<wrpPy_uafn_{native}_settle>::get();",
             "}\n",
             f"bool wrpPy_uafn_{native}_invalidate() {{",
             f"    const PyHostState& state = wrpPy_uafn_{native}_get_aggregate_host_state();",
@@ -495,10 +492,10 @@ class _TypeWriter:
                 lines.append(inner)
                 lines.append(f"{out} {target}_out{{}};")
                 lines.append(f"PyParamByRef {target}_list = PyParamByRef::to({converter}, &{target});")
-                arguments.append(f"Argument{{fn_conv_py_parbyref_to_clr_parbyref, &{target}_list}}")
+                arguments.append(f"fn_argument<fn_conv_py_parbyref_to_clr_parbyref>({target}_list)")
             else:
                 lines.append(self.forms.target(ref, target))
-                arguments.append(f"Argument{{{self.forms.converter(ref)}, &{target}}}")
+                arguments.append(f"fn_argument<{self.forms.converter(ref)}>({target})")
         names = ", ".join(f'"{p.name}"' for p in overload.parameters)
         count = len(overload.parameters)
         lines.append(f"static ParameterNames<{count}> names{{{{{names}, nullptr}}}};")

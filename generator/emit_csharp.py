@@ -348,8 +348,10 @@ class TypeClass:
     def instance(self) -> str:
         """The object that a member works on; a struct is changed where it stands."""
         if self.wrapped.is_struct:
-            return f"((StructHolder<{self.managed}>)Handles.Get(self)).Value"
-        return f"(({self.managed})Handles.Get(self))"
+            return f"Handles.Get<StructHolder<{self.managed}>>(self).Value"
+        if self.wrapped.is_interface:
+            return f"(({self.managed})Handles.Get(self))"
+        return f"Handles.Get<{self.managed}>(self)"
 
     @property
     def has_instances(self) -> bool:
@@ -383,7 +385,7 @@ class TypeClass:
         arguments, values, _ = self._arguments(overload)
         helper = "Struct" if self.wrapped.is_struct else "Class"
         made = f"new {self.managed}({', '.join(values)})"
-        return entry(overload.entry, "void*", arguments, f"PythonThread.Enter();\nreturn Out.{helper}({made});")
+        return entry(overload.entry, "void*", arguments, f"return Out.{helper}({made});")
 
     def _method(self, managed: str, static: bool, overload: Overload) -> str:
         arguments, values, after = self._arguments(overload)
@@ -392,10 +394,10 @@ class TypeClass:
         call = f"{owner}.{managed}({', '.join(values)})"
         first = () if static else ("void* self",)
         if not after:
-            body = "PythonThread.Enter();\n" + result.statement.format(call=call)
+            body = result.statement.format(call=call)
             return entry(overload.entry, result.native, (*first, *arguments, *result.trailing), body)
         # Everything that can fail comes before the out variables, so that no handle is left behind.
-        lines = ["PythonThread.Enter();"]
+        lines = []
         if overload.result.kind is Kind.VOID:
             lines += [f"{call};", *after]
         else:
@@ -617,7 +619,7 @@ class GenericClass:
             "GetEnumerator": (
                 "int",
                 ("PyObjectOutArg* result",),
-                f"PythonThread.Enter();\nOut.Interface(({view}).GetEnumerator(), result);\nreturn 0;",
+                f"Out.Interface(({view}).GetEnumerator(), result);\nreturn 0;",
             ),
             "MoveNext": (
                 "int",

@@ -79,18 +79,15 @@ struct ElementSignatures<OutgoingClassElement<ToPython>> {
 #define VELBOR_GENERIC_HOST(Kind, managed_name, ENTRIES)                                \
     inline constexpr const char* kGenericNamesOf##Kind[] = {ENTRIES(VELBOR_HOST_NAME)}; \
     template <class G>                                                                  \
-    class PyHost_gn_##Kind final : public BoundHost<VELBOR_HOST_SIZE(ENTRIES)> {        \
+    class PyHost_gn_##Kind final : public BoundHost<VELBOR_HOST_SIZE(ENTRIES)>,         \
+                                   public SingleHost<PyHost_gn_##Kind<G>> {             \
         using Signatures = ElementSignatures<typename G::Element>;                      \
-        VELBOR_GENERIC_HOST_FORMS_##Kind PyHost_gn_##Kind()                             \
-            : BoundHost(kManagedClass, kGenericNamesOf##Kind) {}                        \
+        VELBOR_GENERIC_HOST_FORMS_##Kind                                                \
                                                                                         \
-    public:                                                                             \
+            public : PyHost_gn_##Kind()                                                 \
+            : BoundHost(kManagedClass, kGenericNamesOf##Kind) {}                        \
         static constexpr const char* kManagedClass =                                    \
             kJoinedText<"Velbor.WrpGen.Generic." managed_name "_", G::kTag>.text;       \
-        static const PyHost_gn_##Kind& get_instance() {                                 \
-            static const PyHost_gn_##Kind instance;                                     \
-            return instance;                                                            \
-        }                                                                               \
         VELBOR_HOST_BODY(ENTRIES)                                                       \
     };
 
@@ -114,15 +111,11 @@ VELBOR_GENERIC_HOST(Array, "SiApiArray", VELBOR_GENERIC_ARRAY_HOST)
 /// One entry point that is looked up when it is first called. The typed collection interfaces bind their
 /// casts so: an assembly without them loses the casts and nothing else.
 template <class Host, FixedText Name, class Signature>
-class LateEntryPoint final : public BoundHost<1> {
-    LateEntryPoint() : BoundHost(Host::kManagedClass, names) {}
+class LateEntryPoint final : public BoundHost<1>, public SingleHost<LateEntryPoint<Host, Name, Signature>> {
     static constexpr const char* names[] = {Name.text};
 
 public:
-    static const LateEntryPoint& get_instance() {
-        static const LateEntryPoint instance;
-        return instance;
-    }
+    LateEntryPoint() : BoundHost(Host::kManagedClass, names) {}
 
     /// Calls it; when it is absent, raises the stored text and gives `failure`.
     template <class... Arguments>

@@ -98,14 +98,10 @@ struct InteropElementForms {
 #define VELBOR_INTEROP_HOST(Kind, managed_name, ENTRIES)                                         \
     inline constexpr const char* kNamesOf##Kind[] = {ENTRIES(VELBOR_HOST_NAME)};                 \
     class PyHost_ph_##Kind final : public BoundHost<VELBOR_HOST_SIZE(ENTRIES)>,                  \
+                                   public SingleHost<PyHost_ph_##Kind>,                          \
                                    private InteropElementForms {                                 \
-        PyHost_ph_##Kind() : BoundHost("Velbor.WrpGen.Interop." managed_name, kNamesOf##Kind) {} \
-                                                                                                 \
     public:                                                                                      \
-        static const PyHost_ph_##Kind& get_instance() {                                          \
-            static const PyHost_ph_##Kind instance;                                              \
-            return instance;                                                                     \
-        }                                                                                        \
+        PyHost_ph_##Kind() : BoundHost("Velbor.WrpGen.Interop." managed_name, kNamesOf##Kind) {} \
         VELBOR_HOST_BODY(ENTRIES)                                                                \
     };
 

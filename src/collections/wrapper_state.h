@@ -4,12 +4,16 @@
 
 #include "exchange/host_base.h"
 
+template <class Host, IsNotValidFn... References>
+PyHostState fn_settle_collection_state() {
+    return fn_aggregate_host_state(Host::get_instance(), {References...});
+}
+
 /// The validity of a collection wrapper type: its own host's, then that of each type that it refers to, in
 /// order. Settled at the first call and kept.
 template <class Host, IsNotValidFn... References>
 const PyHostState& fn_collection_state() {
-    static const PyHostState state = fn_aggregate_host_state(Host::get_instance(), {References...});
-    return state;
+    return MadeOnce<fn_settle_collection_state<Host, References...>>::get();
 }
 
 /// Raises the stored message when the type cannot be used; true then.

@@ -19,11 +19,10 @@ struct HostSlots {
 /// is built at its first use, under the GIL, lives until the process ends and never changes but in a forked
 /// child.
 ///
-/// A concrete host derives from SlottedHost<N>, is a function-local static, and forwards by a cast of a slot:
+/// A concrete host derives from SlottedHost<N> and SingleHost, and forwards by a cast of a slot:
 ///
-///     struct PyHost_xx final : SlottedHost<2> {
+///     struct PyHost_xx final : SlottedHost<2>, SingleHost<PyHost_xx> {
 ///         PyHost_xx() : SlottedHost("Managed.Class", names) {}
-///         static PyHost_xx& get_instance();
 ///         double get_x(void* handle) const { return reinterpret_cast<double (*)(void*)>(slots[0])(handle); }
 ///         static constexpr const char* names[] = {"get_X", "set_X"};
 ///     };
@@ -56,6 +55,40 @@ protected:
     SlottedHost(const char* managed_class, const char* const (&names)[N])
         : TypeHost(managed_class, names, this->slots, N) {}
     ~SlottedHost() = default;
+};
+
+/// A value that `Make` makes at the first use, under the GIL, and that stands until the process ends. Every call
+/// begins with one of these, so all but the first cost one test of a pointer, not the guard of a function-local
+/// static.
+template <auto Make>
+class MadeOnce {
+    using Value = decltype(Make());
+
+public:
+    static const Value& get() {
+        if (m_made != nullptr) [[likely]] {
+            return *m_made;
+        }
+        return make();
+    }
+
+private:
+    [[gnu::noinline, gnu::cold]] static const Value& make() {
+        static const Value value = Make();
+        m_made = &value;
+        return value;
+    }
+
+    static constinit inline const Value* m_made = nullptr;
+};
+
+/// Gives a host its one instance.
+template <typename Host>
+class SingleHost {
+    static Host make() { return Host(); }
+
+public:
+    static const Host& get_instance() { return MadeOnce<make>::get(); }
 };
 
 /// Whether a wrapper type can be used: settled once, at its first use, and never changed.

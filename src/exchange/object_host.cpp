@@ -14,9 +14,4 @@ static_assert(std::size(Names) == ObjectHost::slot_count && ObjectHost::slot_cou
 
 }  // namespace
 
-ObjectHost& ObjectHost::get_instance() {
-    static ObjectHost instance;
-    return instance;
-}
-
 ObjectHost::ObjectHost() : TypeHost("Velbor.WrpGen.Interop.ObjectHost", Names, slots, slot_count) {}

@@ -26,9 +26,9 @@ struct VariantArg;
 ///
 /// The string operations answer 1 when `*text` holds a new `str`; the type operations answer 0 with a Python
 /// error on failure, and otherwise give a new handle; `equals` answers in its low byte.
-class ObjectHost final : HostSlots<11>, public TypeHost {
+class ObjectHost final : HostSlots<11>, public TypeHost, public SingleHost<ObjectHost> {
 public:
-    static ObjectHost& get_instance();
+    ObjectHost();
 
     enum Slot : std::size_t {
 #define VELBOR_SLOT(operation, ...) slot_##operation,
@@ -43,7 +43,4 @@ public:
     }
     VELBOR_OBJECT_HOST(VELBOR_FORWARD)
 #undef VELBOR_FORWARD
-
-private:
-    ObjectHost();
 };

@@ -63,7 +63,7 @@ PyObject* make_ascii(const char* utf16, std::int64_t units) {
 
 }  // namespace
 
-int fn_conv_py_string_to_clr_string_value(PyObject* value, PyStringArg* arg) {
+int fn_conv_py_wide_string_to_clr_string_value(PyObject* value, PyStringArg* arg) {
     if (!fn_is_unicode_ready(value)) {
         PyErr_SetString(PyExc_TypeError, "unicode object is not ready");
         return 0;

@@ -21,8 +21,20 @@ static_assert(offsetof(PyStringArg, length) == 0);
 static_assert(offsetof(PyStringArg, char_size) == 4);
 static_assert(offsetof(PyStringArg, chars) == 8);
 
-/// Points `arg` into a known `str`. 1, or 0 with TypeError.
-int fn_conv_py_string_to_clr_string_value(PyObject* value, PyStringArg* arg);
+/// Points `arg` into a known `str` whose characters are not all ASCII. 1, or 0 with TypeError.
+int fn_conv_py_wide_string_to_clr_string_value(PyObject* value, PyStringArg* arg);
+
+/// Points `arg` into a known `str`. 1, or 0 with TypeError. Names are ASCII almost always, and those lie
+/// right behind the object's head.
+inline int fn_conv_py_string_to_clr_string_value(PyObject* value, PyStringArg* arg) {
+    if (PyUnicode_IS_COMPACT_ASCII(value)) [[likely]] {
+        arg->chars = reinterpret_cast<const PyASCIIObject*>(value) + 1;
+        arg->char_size = 1;
+        arg->length = static_cast<std::int32_t>(PyUnicode_GET_LENGTH(value));
+        return 1;
+    }
+    return fn_conv_py_wide_string_to_clr_string_value(value, arg);
+}
 
 /// Decodes `units` little-endian UTF-16 units; no byte-order mark is looked for. A new `str`, or null with
 /// the codec's error on an unpaired surrogate.

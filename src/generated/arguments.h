@@ -27,15 +27,19 @@ struct ParameterNames {
 bool fn_find_arguments(PyObject* args, PyObject* kwargs, const char* const* texts, PyObject** interned,
                        std::size_t count, PyObject** found);
 
-/// One parameter: its converter and where the converted value goes.
-template <class Converter, class Target>
+/// One parameter: its converter, known to the compiler, and where the converted value goes.
+template <auto Convert, class Target>
 struct Argument {
-    Converter convert;
+    static constexpr auto converter = Convert;
     Target* target;
+
+    [[nodiscard]] bool take(PyObject* value) const { return Convert(value, target) != 0; }
 };
 
-template <class Converter, class Target>
-Argument(Converter, Target*) -> Argument<Converter, Target>;
+template <auto Convert, class Target>
+Argument<Convert, Target> fn_argument(Target& target) {
+    return {&target};
+}
 
 template <std::size_t N, class... Arguments>
 bool fn_parse_arguments_told(PyObject* args, PyObject* kwargs, const ParameterNames<N>& names,
@@ -55,13 +59,25 @@ bool fn_parse_arguments_told(PyObject* args, PyObject* kwargs, const ParameterNa
     const auto flatten = [&parse]<class... Done>(const auto& self, Done... done) {
         return [&self, &parse, done...]<class First, class... Rest>(const First& first, const Rest&... rest) {
             if constexpr (sizeof...(Rest) == 0) {
-                return parse(done..., first.convert, first.target);
+                return parse(done..., First::converter, first.target);
             } else {
-                return self(self, done..., first.convert, first.target)(rest...);
+                return self(self, done..., First::converter, first.target)(rest...);
             }
         };
     };
     return flatten(flatten)(arguments...);
+}
+
+/// The part of the parse for calls that are not all by position.
+template <std::size_t N, class... Arguments>
+[[gnu::noinline]] bool fn_parse_keywords(PyObject* args, PyObject* kwargs, ParameterNames<N>& names,
+                                         const Arguments&... arguments) {
+    std::array<PyObject*, N> found;
+    if (fn_find_arguments(args, kwargs, names.texts.data(), names.interned.data(), N, found.data())) {
+        std::size_t position = 0;
+        return (arguments.take(found[position++]) && ...);
+    }
+    return fn_parse_arguments_told(args, kwargs, names, arguments...);
 }
 
 /// Converts the arguments of one overload. False leaves an exception set.
@@ -69,15 +85,11 @@ template <std::size_t N, class... Arguments>
 bool fn_parse_arguments(PyObject* args, PyObject* kwargs, ParameterNames<N>& names,
                         const Arguments&... arguments) {
     static_assert(N == sizeof...(Arguments) && N > 0 && N <= max_parameters);
-    std::size_t position = 0;
     if (kwargs == nullptr && PyTuple_GET_SIZE(args) == static_cast<Py_ssize_t>(N)) [[likely]] {
-        return ((arguments.convert(PyTuple_GET_ITEM(args, position++), arguments.target) != 0) && ...);
+        Py_ssize_t position = 0;
+        return (arguments.take(PyTuple_GET_ITEM(args, position++)) && ...);
     }
-    std::array<PyObject*, N> found;
-    if (fn_find_arguments(args, kwargs, names.texts.data(), names.interned.data(), N, found.data())) {
-        return ((arguments.convert(found[position++], arguments.target) != 0) && ...);
-    }
-    return fn_parse_arguments_told(args, kwargs, names, arguments...);
+    return fn_parse_keywords(args, kwargs, names, arguments...);
 }
 
 /// An overload without parameters. False leaves CPython's own message set.

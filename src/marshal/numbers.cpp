@@ -151,7 +151,7 @@ int fn_conv_py_optional_to_ssize_t(PyObject* args, Py_ssize_t* out) {
     return value == Py_None ? 1 : fn_conv_py_obj_to_ssize_t(value, out);
 }
 
-int fn_conv_py_float_to_clr_double(PyObject* value, double* out) {
+int fn_conv_py_other_to_clr_double(PyObject* value, double* out) {
     return read_float(value, "Double", out);
 }
 

@@ -137,7 +137,16 @@ bool is_uclong_value_negative([[maybe_unused]] From value) {
 
 // Floating point, bool, char ------------------------------------------------------------------------------
 
-int fn_conv_py_float_to_clr_double(PyObject* value, double* out);
+/// What the converter below does with anything but an exact `float`.
+int fn_conv_py_other_to_clr_double(PyObject* value, double* out);
+
+inline int fn_conv_py_float_to_clr_double(PyObject* value, double* out) {
+    if (PyFloat_CheckExact(value)) [[likely]] {
+        *out = PyFloat_AS_DOUBLE(value);
+        return 1;
+    }
+    return fn_conv_py_other_to_clr_double(value, out);
+}
 /// Narrows without a range test: 1e300 arrives as infinity.
 int fn_conv_py_float_to_clr_float(PyObject* value, float* out);
 int fn_conv_py_bool_to_clr_bool(PyObject* value, bool* out);

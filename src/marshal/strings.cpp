@@ -7,10 +7,7 @@
 #include <new>
 #include <stdexcept>
 
-int fn_conv_py_string_to_clr_string(PyObject* value, PyStringArg* arg) {
-    if (PyUnicode_Check(value)) [[likely]] {
-        return fn_conv_py_string_to_clr_string_value(value, arg);
-    }
+int fn_conv_py_other_to_clr_string(PyObject* value, PyStringArg* arg) {
     if (value == Py_None) {
         arg->length = -1;
         return 1;

@@ -9,8 +9,16 @@
 // Strings. On the way in the record points at the characters inside the `str`: nothing is copied or
 // transcoded.
 
+/// What the converter below says to anything but a `str`.
+int fn_conv_py_other_to_clr_string(PyObject* value, PyStringArg* arg);
+
 /// "O&" converter: a `str`, or None for a null string.
-int fn_conv_py_string_to_clr_string(PyObject* value, PyStringArg* arg);
+inline int fn_conv_py_string_to_clr_string(PyObject* value, PyStringArg* arg) {
+    if (PyUnicode_Check(value)) [[likely]] {
+        return fn_conv_py_string_to_clr_string_value(value, arg);
+    }
+    return fn_conv_py_other_to_clr_string(value, arg);
+}
 
 /// "O&" converter for a file name: a `str`, `bytes` or a path-like object, or None. The record may own a
 /// `str`, see PyEphStrArgBuilder.

@@ -14,8 +14,3 @@ static_assert(sizeof(Names) / sizeof(*Names) == PyHost_ph_Stream::slot_count);
 
 PyHost_ph_Stream::PyHost_ph_Stream()
     : TypeHost("Velbor.WrpGen.Interop.SiApiStream", Names, slots, slot_count) {}
-
-PyHost_ph_Stream& PyHost_ph_Stream::get_instance() {
-    static PyHost_ph_Stream instance;
-    return instance;
-}

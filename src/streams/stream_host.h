@@ -33,10 +33,9 @@
 /// "btp_IsAssignable" gets a bare handle from the argument converter and the address of a VariantArg from the
 /// method
 /// `_is_assignable`; the managed side takes both.
-class PyHost_ph_Stream final : HostSlots<16>, public TypeHost {
+class PyHost_ph_Stream final : HostSlots<16>, public TypeHost, public SingleHost<PyHost_ph_Stream> {
 public:
-    /// Bound at its first call.
-    static PyHost_ph_Stream& get_instance();
+    PyHost_ph_Stream();
 
     enum Slot : std::size_t {
 #define VELBOR_SLOT(operation, ...) slot_##operation,
@@ -51,7 +50,4 @@ public:
     }
     VELBOR_STREAM_HOST(VELBOR_FORWARD)
 #undef VELBOR_FORWARD
-
-private:
-    PyHost_ph_Stream();
 };

@@ -14,6 +14,11 @@ extern PyObject* (*PyShCastOpResult_New)(int status, PyObject* value);
 /// all below.
 extern int (*wrpPyl_convcaps_py_to_clr_C08ECFAB_Type)(PyObject* value, PyInterimArgBuilder* out);
 
+/// The same as a function, for tables that are fixed before the capsules are read.
+inline int fn_conv_py_type_to_clr_type(PyObject* value, PyInterimArgBuilder* out) {
+    return wrpPyl_convcaps_py_to_clr_C08ECFAB_Type(value, out);
+}
+
 /// Makes a System.Type wrapper; takes the handle over.
 extern PyObject* (*wrpPyl_convcaps_clr_to_py_C08ECFAB_Type)(void* handle);
 

@@ -85,11 +85,10 @@ internal static unsafe class Casts
     public static int IsInstance<T>(VariantArg* value) => In.Reference(value) is T ? 1 : 0;
 
     /// <summary>
-    /// The same where the caller gives either a handle or the address of a record. Handles are small numbers,
-    /// and no record lies that low.
+    /// The same where the caller gives either a handle or the address of a record.
     /// </summary>
     public static int IsInstanceOfEither<T>(void* handleOrRecord) =>
-        (nuint)handleOrRecord <= int.MaxValue
+        Handles.IsHandle(handleOrRecord)
             ? IsInstance<T>(handleOrRecord)
             : IsInstance<T>((VariantArg*)handleOrRecord);
 

@@ -4,22 +4,24 @@ using System.Runtime.CompilerServices;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>
-/// Owns every managed object that a native wrapper holds. A handle is the index of a slot and never null;
-/// whoever got it frees it once. A struct stands in a slot as a <see cref="StructHolder{T}"/>, so that a
-/// setter changes it in place.
+/// Owns every managed object that a native wrapper holds. A handle is the address of a slot with its lowest bit set,
+/// and never null; whoever got it frees it once. A struct stands in a slot as a <see cref="StructHolder{T}"/>, so that
+/// a setter changes it in place.
 /// </summary>
 /// <remarks>
-/// Entries run one at a time under Python's global lock, so nothing is locked here. Handles stay below 2^31:
-/// a native record's address never does, which lets an entry point that may get either tell them apart.
+/// Entries run one at a time under Python's global lock, so nothing is locked here. Slots stand in arrays that the
+/// collector never moves and that live as long as the process: a handle that was freed leads to an empty slot. The bit
+/// tells a handle from the address of a native record, which is always even.
 /// </remarks>
 internal static unsafe class Handles
 {
     private const int FirstCapacity = 1024;
+    private const int LargestCapacity = 65536;
+    private const int Mark = 1;
 
-    // No initialisers: the first handle makes the table, so reading it needs no check of a static
-    // constructor.
-    private static Slot[]? s_slots;
-    private static int s_free;
+    // No initialisers: nothing here may wait for a static constructor.
+    private static Slot[][]? s_chunks;
+    private static nint s_free;
     private static int s_living;
     private static long s_refusedFrees;
 
@@ -34,26 +36,29 @@ internal static unsafe class Handles
     /// <summary>A new handle of the object; the caller owns it.</summary>
     public static void* New(object target)
     {
-        int index = s_free;
-        if (index == 0)
+        nint handle = s_free;
+        if (handle == 0)
         {
-            index = Grow();
+            handle = Grow();
         }
 
-        ref Slot slot = ref s_slots![index];
+        ref Slot slot = ref SlotOf((void*)handle);
         s_free = slot.Next;
         slot.Target = target;
         s_living++;
-        return (void*)(nint)index;
+        return (void*)handle;
     }
 
+    /// <summary>Whether this is a handle, null included, and not the address of a record.</summary>
+    public static bool IsHandle(void* handleOrAddress) => handleOrAddress == null || IsMarked(handleOrAddress);
+
     /// <summary>The object behind a handle; a null or dead handle is an exception that says so.</summary>
+    [MethodImpl(MethodImplOptions.AggressiveInlining)]
     public static object Get(void* handle)
     {
-        Slot[]? slots = s_slots;
-        if (slots != null && (nuint)handle < (nuint)slots.Length)
+        if (IsMarked(handle))
         {
-            object? target = slots[(int)(nint)handle].Target;
+            object? target = SlotOf(handle).Target;
             if (target != null)
             {
                 return target;
@@ -61,6 +66,18 @@ internal static unsafe class Handles
         }
 
         return Fail(handle);
+    }
+
+    /// <summary>
+    /// The same as an object of a known class. Most are of exactly that class, which one comparison tells; a cast
+    /// answers for the others.
+    /// </summary>
+    [MethodImpl(MethodImplOptions.AggressiveInlining)]
+    public static T Get<T>(void* handle)
+        where T : class
+    {
+        object target = Get(handle);
+        return target.GetType() == typeof(T) ? Unsafe.As<T>(target) : (T)target;
     }
 
     /// <summary>The object behind a handle, null for a null handle.</summary>
@@ -78,52 +95,59 @@ internal static unsafe class Handles
             return;
         }
 
-        Slot[]? slots = s_slots;
-        if (slots == null || (nuint)handle >= (nuint)slots.Length || slots[(int)(nint)handle].Target == null)
+        if (!IsMarked(handle) || SlotOf(handle).Target == null)
         {
             s_refusedFrees++;
             return;
         }
 
-        int index = (int)(nint)handle;
-        slots[index].Target = null;
-        slots[index].Next = s_free;
-        s_free = index;
+        ref Slot slot = ref SlotOf(handle);
+        slot.Target = null;
+        slot.Next = s_free;
+        s_free = (nint)handle;
         s_living--;
     }
+
+    private static bool IsMarked(void* handle) => ((nint)handle & Mark) != 0;
+
+    private static ref Slot SlotOf(void* handle) => ref Unsafe.AsRef<Slot>((byte*)handle - Mark);
 
     [MethodImpl(MethodImplOptions.NoInlining)]
     private static object Fail(void* handle) => throw (handle == null
         ? new NullReferenceException("The wrapper has no managed object: its constructor has not succeeded.")
         : new ObjectDisposedException(null, "The handle is not, or no longer, one of a managed object."));
 
-    /// <summary>Doubles the table, links the new slots and gives the first of them.</summary>
+    /// <summary>Adds a chunk, as large as all before it within a limit; gives the first of its slots.</summary>
     [MethodImpl(MethodImplOptions.NoInlining)]
-    private static int Grow()
+    private static nint Grow()
     {
-        int first = s_slots?.Length ?? 1;
-        int capacity = s_slots == null ? FirstCapacity : checked(s_slots.Length * 2);
-        Slot[] slots = new Slot[capacity];
-        if (s_slots != null)
+        int count = s_chunks?.Length ?? 0;
+        int capacity = Math.Min(FirstCapacity << Math.Min(count, 16), LargestCapacity);
+        Slot[] chunk = GC.AllocateArray<Slot>(capacity, pinned: true);
+        nint next = 0;
+        for (int index = capacity - 1; index >= 0; index--)
         {
-            Array.Copy(s_slots, slots, s_slots.Length);
+            chunk[index].Next = next;
+            next = (nint)Unsafe.AsPointer(ref chunk[index]) + Mark;
         }
 
-        for (int index = first; index < capacity - 1; index++)
+        Slot[][] chunks = new Slot[count + 1][];
+        for (int index = 0; index < count; index++)
         {
-            slots[index].Next = index + 1;
+            chunks[index] = s_chunks![index];
         }
 
-        s_slots = slots;
-        s_free = first;
-        return first;
+        chunks[count] = chunk;
+        s_chunks = chunks;
+        s_free = next;
+        return next;
     }
 
     private struct Slot
     {
         public object? Target;
 
-        /// <summary>The next free slot; meaningful while the slot is free, 0 at the end.</summary>
-        public int Next;
+        /// <summary>The handle of the next free slot; meaningful while the slot is free, 0 at the end.</summary>
+        public nint Next;
     }
 }

@@ -13,7 +13,7 @@ internal static unsafe class In
 {
     /// <summary>The class object of a handle, null for `None`.</summary>
     public static T? Class<T>(void* handle)
-        where T : class => handle == null ? null : (T)Handles.Get(handle);
+        where T : class => handle == null ? null : Handles.Get<T>(handle);
 
     /// <summary>The struct behind a wrapper of it.</summary>
     public static T Struct<T>(VariantArg* value)

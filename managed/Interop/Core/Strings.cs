@@ -85,14 +85,41 @@ internal static unsafe class Strings
                 high.Store((ushort*)chars + at + Vector128<ushort>.Count);
             }
 
-            for (; at < count; at++)
+            // The rest in at most two steps of eight or of four, the last of which may go over some once more.
+            if (count >= 8)
             {
-                chars[at] = (char)bytes[at];
+                if (count - at > 8)
+                {
+                    Widen8(bytes + at, chars + at);
+                }
+
+                if (count > at)
+                {
+                    Widen8(bytes + count - 8, chars + count - 8);
+                }
+            }
+            else if (count >= 4)
+            {
+                Widen4(bytes, chars);
+                Widen4(bytes + count - 4, chars + count - 4);
+            }
+            else
+            {
+                for (; at < count; at++)
+                {
+                    chars[at] = (char)bytes[at];
+                }
             }
         }
 
         return text;
     }
+
+    private static void Widen8(byte* from, char* to) =>
+        Vector128.WidenLower(Vector128.CreateScalar(*(ulong*)from).AsByte()).Store((ushort*)to);
+
+    private static void Widen4(byte* from, char* to) =>
+        *(ulong*)to = Vector128.WidenLower(Vector128.CreateScalar(*(uint*)from).AsByte()).AsUInt64().ToScalar();
 
     private static string FromCodePoints(uint* points, int count)
     {

@@ -77,10 +77,7 @@ internal static unsafe class ExchangeHost
         try
         {
             Handles.Free(handle);
-            if (PendingReleases.Any)
-            {
-                PythonThread.Enter();
-            }
+            PendingReleases.GiveBack();
         }
         catch (Exception e)
         {
@@ -97,7 +94,6 @@ internal static unsafe class ExchangeHost
     {
         try
         {
-            PythonThread.Enter();
             AppDomain.CurrentDomain.ProcessExit += static (_, _) => PendingReleases.End();
         }
         catch (Exception e)

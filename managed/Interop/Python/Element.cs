@@ -90,7 +90,6 @@ internal abstract unsafe class Element<T>
     /// <summary>A copy of a Python list.</summary>
     public T[] ListToArray(PyObject* list)
     {
-        PythonThread.Enter();
         T[] array = new T[Length(PyCallbacks.fn_clbk_ucol_list_length(list))];
         for (int index = 0; index < array.Length; index++)
         {
@@ -103,7 +102,6 @@ internal abstract unsafe class Element<T>
     /// <summary>A copy of a Python sequence.</summary>
     public virtual T[] SequenceToArray(PyObject* sequence)
     {
-        PythonThread.Enter();
         T[] array = new T[Length(PyCallbacks.fn_clbk_ucol_sequence_length(sequence))];
         for (int index = 0; index < array.Length; index++)
         {
@@ -177,7 +175,6 @@ internal class OpenElement<T> : Element<T>
     /// <summary>Walked by Python's own iterator, which hands each item out together with its record.</summary>
     public override unsafe T[] SequenceToArray(PyObject* sequence)
     {
-        PythonThread.Enter();
         List<T> items = new(Length(PyCallbacks.fn_clbk_ucol_sequence_length(sequence)));
         PyObject* iterator = Elements.IteratorOf(sequence);
         try

@@ -23,7 +23,7 @@ internal sealed unsafe class PyReference
     /// <summary>Takes a reference of its own; runs during a call from Python.</summary>
     public PyReference(PyObject* python)
     {
-        PythonThread.Enter();
+        PendingReleases.GiveBack();
         PyCallbacks.fn_xinc_ref(python);
         _python = python;
     }

@@ -18,7 +18,7 @@ internal static class Collector
         {
             PythonThread.Enter();
             CollectWithFinalizers();
-            PendingReleases.Drain();
+            PendingReleases.GiveBack();
             return 0;
         }
         catch (Exception e)

@@ -189,10 +189,10 @@ public class Scene : SceneObject
     /// <summary>The first animation clip of that name, or null.</summary>
     public AnimationClip? GetAnimationClip(string name)
     {
-        foreach (AnimationClip clip in _clips)
+        for (int index = 0; index < _clips.Count; index++)
         {
-            if (clip.Name == name)
-                return clip;
+            if (_clips[index].Name == name)
+                return _clips[index];
         }
         return null;
     }

@@ -38,6 +38,9 @@ internal static unsafe class FakePython
     private static readonly List<Entry?> s_objects = [null];
     private static bool s_installed;
 
+    [ThreadStatic]
+    private static bool s_isKnownThread;
+
     /// <summary>The pending error, as type and text.</summary>
     public static (string Type, string Message)? Pending { get; set; }
 
@@ -54,17 +57,22 @@ internal static unsafe class FakePython
         {
             Install();
             s_installed = true;
+            PythonThread.UseForTests(&IsKnownThread);
         }
+
+        s_isKnownThread = true;
 
         // Proxies of earlier tests give their references back before the objects go.
         GC.Collect();
         GC.WaitForPendingFinalizers();
-        PythonThread.Enter();
+        PendingReleases.GiveBack();
         Pending = null;
         Registered.Clear();
         s_objects.Clear();
         s_objects.Add(null);
     }
+
+    private static bool IsKnownThread() => s_isKnownThread;
 
     /// <summary>A new reference to a new object with that value.</summary>
     public static PyObject* New(object? value)

@@ -180,7 +180,7 @@ public unsafe class ProxyTests : InteropTest
         }
 
         Assert.Equal(2, FakePython.ReferencesOf(python));
-        PythonThread.Enter();
+        PendingReleases.GiveBack();
         Assert.Equal(1, FakePython.ReferencesOf(python));
     }
 

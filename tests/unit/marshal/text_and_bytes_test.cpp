@@ -36,7 +36,8 @@ TEST(Strings, PointIntoTheText) {
 TEST(Strings, NoneIsANullString) {
     PyStringArg arg;
     arg.length = 5;
-    EXPECT_EQ(fn_conv_py_string_to_clr_string(Py_None, &arg), 1);
+    PyObject* volatile none = Py_None;  // else the compiler looks at it as the text that it is not
+    EXPECT_EQ(fn_conv_py_string_to_clr_string(none, &arg), 1);
     EXPECT_EQ(arg.length, -1);
     EXPECT_EQ(arg.char_size, 0);
     EXPECT_EQ(arg.chars, nullptr);
