@@ -12,7 +12,9 @@ from generator import parser
 from generator.model import CatalogueError
 
 # Each emitter offers `emit(catalogue, catalogue_folder, out)` and writes only what has changed.
-EMITTERS = ("emit_wire", "emit_cpp", "emit_generics", "emit_csharp", "emit_stubs", "emit_docs", "emit_entries")
+EMITTERS = (
+    "emit_wire", "emit_cpp", "emit_generics", "emit_csharp", "emit_services", "emit_stubs", "emit_docs", "emit_entries",
+)  # fmt: skip
 
 
 def main(arguments: list[str] | None = None) -> int:

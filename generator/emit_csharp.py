@@ -5,7 +5,7 @@ from __future__ import annotations
 import re
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Iterator
+from typing import Iterator, Mapping, Optional, Tuple
 
 from generator import generics
 from generator.model import (
@@ -89,12 +89,21 @@ _PLAIN_ELEMENTS = {
     "int[]": TypeRef(Kind.ARRAY, "int[]", None, TypeRef(Kind.INT32, "int")),
 }
 
-# The entry points of each kind of generic class, before the casts.
+# The managed types behind the kinds of generic classes that are no arrays.
+_GENERIC_TYPES = {
+    "Iter": "IEnumerator",
+    "Iterable": "IEnumerable",
+    "ICol": "ICollection",
+    "IList": "IList",
+    "List": "List",
+}
+
+# The entry points of each kind of collection class, before the casts.
 _LIST_ENTRIES = (
     "SqGetItem", "SqGetItemNoCheck", "SqSetItem", "SqSetItemNoChek", "Insert", "RemoveAt", "Pop", "SqInplaceConcat",
     "SqInplaceRepeat", "MpSetItems", "MpRemoveItems", "Reverse", "Sort", "IndexBy", "CountOf",
 )  # fmt: skip
-_GENERIC_ENTRIES: dict[str, tuple[str, ...]] = {
+COLLECTION_ENTRIES: dict[str, tuple[str, ...]] = {
     "Iter": ("MoveNext",),
     "Iterable": ("GetEnumerator",),
     "ICol": (
@@ -108,9 +117,15 @@ _GENERIC_ENTRIES: dict[str, tuple[str, ...]] = {
     ),
 }  # fmt: skip
 
-# Every generic class offers the casts, whether or not the native side binds them there; classes are cast by handle.
-_CASTS = ("btp_TypeOf", "btp_CastTo", "btp_CastAs", "btp_IsAssignable")
-_CLASS_KINDS = ("List", "Array")
+# Every collection class offers the casts, whether or not the native side binds them there.
+INTERFACE_CASTS = ("btp_TypeOf", "btp_CastTo", "btp_CastAs", "btp_IsAssignable")
+CLASS_CASTS = (*INTERFACE_CASTS, "btp_ReInterpretObj")
+
+# What may be cast comes as the address of a record or as a handle.
+RECORD, HANDLE = "VariantArg* value", "void* value"
+
+# One entry point but for its name: the result, the arguments, the body, and the status of a failure if it has one.
+Row = Tuple[str, Tuple[str, ...], str, Optional[str]]
 
 
 def _c_type(text: str) -> str:
@@ -330,9 +345,38 @@ def entry(name: str, native: str, arguments: tuple[str, ...], body: str, failure
     return "\n".join(lines)
 
 
-def _static_class(namespace: str, name: str, entries: list[str]) -> str:
+def static_class(namespace: str, name: str, entries: list[str], *, partial: bool = False) -> str:
+    """A class of entry points; a partial one may have members that are written by hand."""
     body = "\n".join(entries).rstrip("\n")
-    return f"\nnamespace {namespace}\n{{\n\ninternal static unsafe class {name}\n{{\n{body}\n}}\n\n}}\n"
+    head = f"internal static unsafe {'partial ' if partial else ''}class {name}"
+    return f"\nnamespace {namespace}\n{{\n\n{head}\n{{\n{body}\n}}\n\n}}\n"
+
+
+def casts(
+    managed: str, given: str, what: str = "Reference", calls: Mapping[str, str] | None = None
+) -> dict[str, Row]:
+    """The casts of a type. `what` names the helpers that cast, `calls` replace the usual ones."""
+    call = {
+        "btp_TypeOf": f"Casts.TypeOf(typeof({managed}), result)",
+        "btp_CastTo": f"Casts.To{what}<{managed}>(value, result)",
+        "btp_CastFrom": f"Casts.From<{managed}>(self, type, result)",
+        "btp_ReInterpretObj": f"Casts.Reinterpret{what}<{managed}>(handle, result)",
+        "btp_CastAs": f"Casts.As{what}<{managed}>(value, result)",
+        "btp_IsAssignable": f"Casts.IsInstance<{managed}>(value)",
+        **(calls or {}),
+    }
+    forms = {
+        "btp_TypeOf": (("void** result",), "0"),
+        "btp_CastTo": ((RECORD, "void** result"), "-1"),
+        "btp_CastFrom": (("void* self", "void* type", "void** result"), "-1"),
+        "btp_ReInterpretObj": (("void* handle", "void** result"), "0"),
+        "btp_CastAs": ((given, "void** result"), "-1"),
+        "btp_IsAssignable": ((given,), "0"),
+    }
+    return {
+        name: ("int", arguments, f"return {call[name]};", failure)
+        for name, (arguments, failure) in forms.items()
+    }
 
 
 class TypeClass:
@@ -350,7 +394,7 @@ class TypeClass:
         if self.wrapped.is_struct:
             return f"Handles.Get<StructHolder<{self.managed}>>(self).Value"
         if self.wrapped.is_interface:
-            return f"(({self.managed})Handles.Get(self))"
+            return f"Handles.View<{self.managed}>(self)"
         return f"Handles.Get<{self.managed}>(self)"
 
     @property
@@ -379,7 +423,7 @@ class TypeClass:
             entries += self._indexer(wrapped.indexer)
         entries += self._builtins()
         name = wrapped.managed_class.rpartition(".")[2]
-        return _static_class(wrapped.module.interop_namespace, name, entries)
+        return static_class(wrapped.module.interop_namespace, name, entries)
 
     def _constructor(self, overload: Overload) -> str:
         arguments, values, _ = self._arguments(overload)
@@ -453,36 +497,18 @@ class TypeClass:
             yield entry("btp_SqSetItem", "int", arguments, guard(f"{value} = value;\nreturn 0;"), "-1")
 
     def _builtins(self) -> Iterator[str]:
-        wrapped = self.wrapped
-        by_record = wrapped.is_struct or wrapped.is_interface
-        what = "Struct" if wrapped.is_struct else "Reference"
-        given = "VariantArg* value" if by_record else "void* value"
-        type_of = self.managed
-        if self.has_instances:
-            to = f"Casts.To{what}<{type_of}>(value, result)"
-            reinterpret = f"Casts.Reinterpret{what}<{type_of}>(handle, result)"
-            as_cast = f"Casts.As{what}<{type_of}>(value, result)"
-            assignable = f"Casts.IsInstance<{type_of}>(value)"
-        else:
-            to = "Casts.ToNothing(value, result)"
-            reinterpret = f"Casts.ReinterpretNothing(typeof({type_of}), handle, result)"
-            as_cast = "Casts.AsNothing(result)"
-            assignable = "0"
-        bodies = {
-            "btp_TypeOf": (("void** result",), f"Casts.TypeOf(typeof({type_of}), result)", "0"),
-            "btp_CastTo": (("VariantArg* value", "void** result"), to, "-1"),
-            "btp_CastFrom": (
-                ("void* self", "void* type", "void** result"),
-                f"Casts.From<{type_of}>(self, type, result)",
-                "-1",
-            ),
-            "btp_ReInterpretObj": (("void* handle", "void** result"), reinterpret, "0"),
-            "btp_CastAs": ((given, "void** result"), as_cast, "-1"),
-            "btp_IsAssignable": ((given,), assignable, "0"),
+        wrapped, managed = self.wrapped, self.managed
+        given = RECORD if wrapped.is_struct or wrapped.is_interface else HANDLE
+        calls = {
+            "btp_CastTo": "Casts.ToNothing(value, result)",
+            "btp_ReInterpretObj": f"Casts.ReinterpretNothing(typeof({managed}), handle, result)",
+            "btp_CastAs": "Casts.AsNothing(result)",
+            "btp_IsAssignable": "0",
         }
+        what = "Struct" if wrapped.is_struct else "Reference"
+        rows = casts(managed, given, what, calls=None if self.has_instances else calls)
         for name in wrapped.builtins:
-            arguments, value, failure = bodies[name]
-            yield entry(name, "int", arguments, f"return {value};", failure)
+            yield entry(name, *rows[name])
 
 
 def enum_class(enum: EnumType, types: Types) -> str:
@@ -509,150 +535,122 @@ def enum_class(enum: EnumType, types: Types) -> str:
         "btp_GetType": ((f"{number} value", "void** result"), f"return Casts.TypeOf({managed}, result);", "0"),
     }
     entries = [entry(name, "int", *bodies[name]) for name in EnumType.ENTRIES]
-    return _static_class(enum.module.interop_namespace, enum.managed_class.rpartition(".")[2], entries)
+    return static_class(enum.module.interop_namespace, enum.managed_class.rpartition(".")[2], entries)
 
 
-class GenericClass:
-    """The entry points of one generic instantiation."""
+@dataclass(frozen=True)
+class Collection:
+    """What the entry points of a collection class lean on: C# expressions of the object behind `self`."""
 
-    INTERFACES = {
-        "Iter": "IEnumerator",
-        "Iterable": "IEnumerable",
-        "ICol": "ICollection",
-        "IList": "IList",
-        "List": "List",
+    managed: str
+    element: TypeRef
+    length: str
+    view: str
+    own: str  # the array itself where a helper has a form for it: an interface costs more to go through
+    counted: str  # what counts, finds, adds and removes
+    remove: str  # the helper that removes a run of elements: "RemoveItems", or "RemoveRun" where it may be one block
+
+
+def collection_rows(on: Collection, types: Types) -> dict[str, Row]:
+    """Every entry point that a collection class can have, but the casts."""
+    forms, t = Forms(types), types.of(on.element)
+    value = forms.argument(Parameter("value", on.element))
+    (given,) = value.native
+    out, give = _out_pointer(on.element, t)
+    unchecked = forms.result(on.element)
+    view, counted, item = on.view, on.counted, value.value
+    this, index, result, source = "void* self", "int index", f"{out} result", "VariantArg* source"
+    run = ("int start", "int count", "int step")
+    between = ("int hasStart", "int start", "int hasStop", "int stop")
+    taken = f"if (status != Lists.Done)\n{{\n    return status;\n}}\n\n{give}"
+    # fmt: off
+    statuses: dict[str, tuple[tuple[str, ...], str]] = {
+        "SqLength": ((this,), f"return {on.length};"),
+        "SqContains": ((this, given), f"return {counted}.Contains({item}) ? 1 : 0;"),
+        "CountOf": ((this, given), f"return Lists.CountOf<{t}>({view}, {item});"),
+        "Remove": ((this, given), f"return {counted}.Remove({item}) ? 1 : 0;"),
+        "SqGetItem": ((this, index, result), f"int status = Lists.Get({on.own}, index, out {t} item);\n{taken}"),
+        "SqSetItem": ((this, index, given), f"return Lists.Set({on.own}, index, {item});"),
+        "RemoveAt": ((this, index), f"return Lists.RemoveAt({view}, index);"),
+        "Pop": (
+            (this, "int hasIndex", index, result),
+            f"int status = Lists.Pop({view}, hasIndex, index, out {t} item);\n{taken}",
+        ),
+        "SqInplaceConcat": ((this, source), f"return Lists.Concat<{t}>({view}, In.Reference(source));"),
+        "MpSetItems": (
+            (this, source, *run),
+            f"return Lists.SetItems<{t}>({view}, In.Reference(source), start, count, step);",
+        ),
+        "IndexBy": (
+            (this, *between, given),
+            f"return Lists.IndexBy<{t}>({view}, hasStart, start, hasStop, stop, {item});",
+        ),
+        "GetEnumerator": (
+            (this, "PyObjectOutArg* result"),
+            f"Out.Interface({view}.GetEnumerator(), result);\nreturn 0;",
+        ),
+        "MoveNext": (
+            (this, result),
+            f"if (!Lists.Next({view}, out {t} item))\n{{\n    return 1;\n}}\n\n{give}",
+        ),
+    }
+    actions: dict[str, tuple[tuple[str, ...], str]] = {
+        "Add": ((this, given), f"{counted}.Add({item});"),
+        "Clear": ((this,), f"{counted}.Clear();"),
+        "SqSetItemNoChek": ((this, index, given), f"{on.own}[index] = {item};"),
+        "Insert": ((this, index, given), f"Lists.Insert({view}, index, {item});"),
+        "SqInplaceRepeat": ((this, "int count"), f"Lists.Repeat<{t}>({view}, count);"),
+        "MpRemoveItems": ((this, *run), f"Lists.{on.remove}<{t}>({view}, start, count, step);"),
+        "Reverse": ((this,), f"Lists.Reverse<{t}>({view});"),
+        "Sort": ((this, "int reverse"), f"Lists.Sort<{t}>({view}, reverse != 0);"),
+        "EnsureCapacity": ((this, "int count"), f"Lists.EnsureRoom(Handles.Get<{on.managed}>(self), count);"),
+    }
+    # fmt: on
+    got = unchecked.statement.format(call=f"{on.own}[index]")
+    return {
+        **{name: ("int", *row, "-1") for name, row in statuses.items()},
+        **{name: ("void", *row, None) for name, row in actions.items()},
+        "SqGetItemNoCheck": (unchecked.native, (this, index, *unchecked.trailing), got, None),
     }
 
-    def __init__(self, kind: str, element: TypeRef, tag: str, types: Types) -> None:
-        self.kind = kind
-        self.tag = tag
-        self.element = element
-        self.t = types.of(element)
-        self.forms = Forms(types)
-        self.name = f"{generics.MANAGED_CLASSES[kind]}_{tag}"
-        self.managed = f"{self.t}[]" if kind == "Array" else f"{self.INTERFACES[kind]}<{self.t}>"
-        # An array is viewed as a list, so that one set of helpers serves all.
-        self.view = f"IList<{self.t}>" if kind in ("IList", "List", "Array") else self.managed
-        self.value = self.forms.argument(Parameter("value", element))
-        self.out, self.give = self._out()
 
-    def _out(self) -> tuple[str, str]:
-        """The type of the out pointer, and the statements that fill it in from `item` and answer 0."""
-        kind = self.element.kind
-        if kind in _SCALARS:
-            return f"{self.t}*", "*result = item;\nreturn 0;"
-        if kind is Kind.BOOL:
-            return "byte*", "*result = item ? (byte)1 : (byte)0;\nreturn 0;"
-        if kind in (Kind.STR, Kind.BYTES, Kind.OBJECT):
-            made = {Kind.STR: "String", Kind.BYTES: "Bytes", Kind.OBJECT: "Object"}[kind]
-            return "PyObject**", f"*result = Out.{made}(item);\nreturn *result == null ? -1 : 0;"
-        if kind is Kind.INTERFACE:
-            return "PyObjectOutArg*", "Out.Interface(item, result);\nreturn 0;"
-        made = "Struct" if kind is Kind.STRUCT else "Class"
-        return "void**", f"*result = Out.{made}(item);\nreturn 0;"
+def _out_pointer(element: TypeRef, managed: str) -> tuple[str, str]:
+    """The type of the pointer to where an element goes, and the statements that put `item` there and answer 0."""
+    if element.kind in _SCALARS:
+        return f"{managed}*", "*result = item;\nreturn 0;"
+    if element.kind is Kind.BOOL:
+        return "byte*", "*result = item ? (byte)1 : (byte)0;\nreturn 0;"
+    if element.kind in (Kind.STR, Kind.BYTES, Kind.OBJECT):
+        made = {Kind.STR: "String", Kind.BYTES: "Bytes", Kind.OBJECT: "Object"}[element.kind]
+        return "PyObject**", f"*result = Out.{made}(item);\nreturn *result == null ? -1 : 0;"
+    if element.kind is Kind.INTERFACE:
+        return "PyObjectOutArg*", "Out.Interface(item, result);\nreturn 0;"
+    made = "Struct" if element.kind is Kind.STRUCT else "Class"
+    return "void**", f"*result = Out.{made}(item);\nreturn 0;"
 
-    def text(self) -> str:
-        entries = [self._entry(name) for name in _GENERIC_ENTRIES[self.kind]]
-        casts = (*_CASTS, "btp_ReInterpretObj") if self.kind in _CLASS_KINDS else _CASTS
-        entries += [self._cast(name) for name in casts]
-        return _static_class("Velbor.WrpGen.Generic", self.name, entries)
 
-    def _entry(self, name: str) -> str:
-        view = f"({self.view})Handles.Get(self)"
-        # The array or list class itself where the helper has a form for it; an interface costs more to go through.
-        own = f"({self.managed if self.kind == 'Array' else self.view})Handles.Get(self)"
-        array = self.kind == "Array"
-        length = f"({own}).Length" if array else f"Lists.Count<{self.t}>(Handles.Get(self))"
-        get = f"Lists.Get({own}" if array else "Lists.GetFrom(Handles.Get(self)"
-        # What counts, finds, adds and removes.
-        counted = f"(ICollection<{self.t}>)Handles.Get(self)"
-        value, (native,) = self.value.value, self.value.native
-        index = "int index"
-        result = f"{self.out} result"
-        taken = f"if (status != Lists.Done)\n{{\n    return status;\n}}\n\n{self.give}"
-        typed = f"<{self.t}>"
-        simple: dict[str, tuple[str, tuple[str, ...], str]] = {
-            "SqLength": ("int", (), f"return {length};"),
-            "SqContains": ("int", (native,), f"return ({counted}).Contains({value}) ? 1 : 0;"),
-            "CountOf": ("int", (native,), f"return Lists.CountOf{typed}({view}, {value});"),
-            "Add": ("void", (native,), f"({counted}).Add({value});"),
-            "Remove": ("int", (native,), f"return ({counted}).Remove({value}) ? 1 : 0;"),
-            "Clear": ("void", (), f"({counted}).Clear();"),
-            "SqGetItem": (
-                "int",
-                (index, result),
-                f"int status = {get}, index, out {self.t} item);\n{taken}",
-            ),
-            "SqSetItem": ("int", (index, native), f"return Lists.Set({own}, index, {value});"),
-            "SqSetItemNoChek": ("void", (index, native), f"({own})[index] = {value};"),
-            "Insert": ("void", (index, native), f"Lists.Insert({view}, index, {value});"),
-            "RemoveAt": ("int", (index,), f"return Lists.RemoveAt({view}, index);"),
-            "Pop": (
-                "int",
-                ("int hasIndex", index, result),
-                f"int status = Lists.Pop({view}, hasIndex, index, out {self.t} item);\n{taken}",
-            ),
-            "SqInplaceConcat": (
-                "int",
-                ("VariantArg* source",),
-                f"return Lists.Concat{typed}({view}, In.Reference(source));",
-            ),
-            "SqInplaceRepeat": ("void", ("int count",), f"Lists.Repeat{typed}({view}, count);"),
-            "MpSetItems": (
-                "int",
-                ("VariantArg* source", "int start", "int count", "int step"),
-                f"return Lists.SetItems{typed}({view}, In.Reference(source), start, count, step);",
-            ),
-            "MpRemoveItems": (
-                "void",
-                ("int start", "int count", "int step"),
-                f"Lists.Remove{'Run' if self.kind == 'List' else 'Items'}{typed}({view}, start, count, step);",
-            ),
-            "Reverse": ("void", (), f"Lists.Reverse{typed}({view});"),
-            "Sort": ("void", ("int reverse",), f"Lists.Sort{typed}({view}, reverse != 0);"),
-            "IndexBy": (
-                "int",
-                ("int hasStart", "int start", "int hasStop", "int stop", native),
-                f"return Lists.IndexBy{typed}({view}, hasStart, start, hasStop, stop, {value});",
-            ),
-            "EnsureCapacity": ("void", ("int count",), f"Lists.EnsureRoom(({self.managed})Handles.Get(self), count);"),
-            "GetEnumerator": (
-                "int",
-                ("PyObjectOutArg* result",),
-                f"Out.Interface(({view}).GetEnumerator(), result);\nreturn 0;",
-            ),
-            "MoveNext": (
-                "int",
-                (result,),
-                f"if (!Lists.Next(Handles.Get(self), out {self.t} item))\n{{\n    return 1;\n}}\n\n{self.give}",
-            ),
-        }
-        if name == "SqGetItemNoCheck":
-            got = self.forms.result(self.element)
-            body = got.statement.format(call=f"({own})[index]")
-            return entry(name, got.native, ("void* self", index, *got.trailing), body)
-        native_result, arguments, body = simple[name]
-        return entry(name, native_result, ("void* self", *arguments), body, "-1" if native_result == "int" else None)
-
-    def _cast(self, name: str) -> str:
-        given = "void* value" if self.kind in _CLASS_KINDS else "VariantArg* value"
-        bodies = {
-            "btp_TypeOf": (("void** result",), f"Casts.TypeOf(typeof({self.managed}), result)", "0"),
-            "btp_CastTo": (
-                ("VariantArg* value", "void** result"),
-                f"Casts.ToReference<{self.managed}>(value, result)",
-                "-1",
-            ),
-            "btp_ReInterpretObj": (
-                ("void* handle", "void** result"),
-                f"Casts.ReinterpretReference<{self.managed}>(handle, result)",
-                "0",
-            ),
-            "btp_CastAs": ((given, "void** result"), f"Casts.AsReference<{self.managed}>(value, result)", "-1"),
-            "btp_IsAssignable": ((given,), f"Casts.IsInstance<{self.managed}>(value)", "0"),
-        }
-        arguments, value, failure = bodies[name]
-        return entry(name, "int", arguments, f"return {value};", failure)
+def generic_class(kind: str, element: TypeRef, tag: str, types: Types) -> str:
+    """The entry points of one generic instantiation."""
+    t, array = types.of(element), kind == "Array"
+    managed = f"{t}[]" if array else f"{_GENERIC_TYPES[kind]}<{t}>"
+    # An array is viewed as a list, so that one set of helpers serves all.
+    view = f"Handles.View<{f'IList<{t}>' if kind in ('IList', 'List', 'Array') else managed}>(self)"
+    own = f"Handles.Get<{managed}>(self)" if array else view
+    counted = f"Handles.View<ICollection<{t}>>(self)"
+    on = Collection(
+        managed,
+        element,
+        length=f"{own}.Length" if array else f"{counted}.Count",
+        view=view,
+        own=own,
+        counted=counted,
+        remove="RemoveRun" if kind == "List" else "RemoveItems",
+    )
+    by_handle = kind in ("List", "Array")
+    rows = {**collection_rows(on, types), **casts(managed, HANDLE if by_handle else RECORD)}
+    names = (*COLLECTION_ENTRIES[kind], *(CLASS_CASTS if by_handle else INTERFACE_CASTS))
+    entries = [entry(name, *rows[name]) for name in names]
+    return static_class("Velbor.WrpGen.Generic", f"{generics.MANAGED_CLASSES[kind]}_{tag}", entries)
 
 
 def _callback(slot: CallbackSlot, pointer: str) -> str:
@@ -822,7 +820,7 @@ def emit(catalogue: Catalogue, folder: Path, out: Path) -> None:
         write(target / f"{module.short}.cs", HEAD + "".join(classes))
     rows = generics.read(folder, catalogue)
     instantiations = [
-        GenericClass(kind, _element(row, catalogue), row.tag, types).text() for row in rows for kind in row.hosts
+        generic_class(kind, _element(row, catalogue), row.tag, types) for row in rows for kind in row.hosts
     ]
     write(target / "generics.cs", HEAD + "".join(instantiations))
     write(target / "callbacks.cs", callbacks(catalogue))

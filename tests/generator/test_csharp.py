@@ -13,8 +13,11 @@ import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT))
+sys.path.insert(0, str(ROOT / "tests" / "contract"))
 
-from generator import emit_csharp, generics, parser  # noqa: E402
+import signatures  # noqa: E402
+
+from generator import emit_csharp, emit_entries, emit_services, generics, parser  # noqa: E402
 
 GOLDEN = Path(__file__).resolve().parent / "golden"
 PIECES = {
@@ -24,7 +27,15 @@ PIECES = {
     "byte_enum": ("voxlar", "WrpCs_Property_0C71FCBC"),
     "interface": ("render", "WrpCs_IVertexB_E1A114B2"),
     "generic": ("generics", "SiApiEnumerator_361B67C0"),
+    "untyped_list": ("services", "SiApiArrayList"),
+    "reflected": ("services", "EnumApi"),
 }
+
+# The classes without an element type; the native side has a list of the entry points of each.
+UNTYPED = (
+    "SiApiDisposable", "SiApiEnumerator", "SiApiEnumerable", "SiApiCntCollection", "SiApiCntList", "SiApiArray",
+    "SiApiArrayList", "SiApiCollectionBase", "SiApiReadOnlyCollectionBase",
+)  # fmt: skip
 
 
 @pytest.fixture(scope="module")
@@ -33,19 +44,37 @@ def folder(tmp_path_factory: pytest.TempPathFactory) -> Path:
 
 
 def generate(folder: Path) -> Path:
-    emit_csharp.emit(parser.read(ROOT / "catalogue"), ROOT / "catalogue", folder)
+    catalogue = parser.read(ROOT / "catalogue")
+    for emitter in (emit_csharp, emit_services, emit_entries):
+        emitter.emit(catalogue, ROOT / "catalogue", folder)
     return folder / "csharp"
 
 
 def class_text(folder: Path, module: str, name: str) -> str:
     """One static class of a generated file."""
     text = (folder / f"{module}.cs").read_text(encoding="utf-8")
-    start = text.index(f"internal static unsafe class {name}\n")
+    start = re.search(rf"^internal static unsafe (partial )?class {name}$", text, re.M).start()
     return text[start : text.index("\n}\n", start) + 3]
 
 
 def entry_names(text: str) -> list[str]:
     return re.findall(r"\[UnmanagedCallersOnly\]\n    public static \S+ (\w+)\(", text)
+
+
+def entry_forms(text: str) -> dict[str, tuple[str, list[str]]]:
+    """The result and the argument types of every entry point of a class."""
+    found = re.findall(r"\[UnmanagedCallersOnly\]\n    public static (\S+) (\w+)\((.*)\)\n", text)
+    return {
+        name: (result, [argument.rpartition(" ")[0] for argument in arguments.split(", ")])
+        for result, name, arguments in found
+    }
+
+
+def in_csharp(native: str) -> str:
+    """A C type of a host's list in C#."""
+    names = {"bool": "byte", "unsigned short": "ushort", "unsigned int": "uint"}
+    base = native.replace("const ", "").rstrip("*")
+    return names.get(base, base) + "*" * native.count("*")
 
 
 @pytest.mark.parametrize("kind", PIECES)
@@ -71,6 +100,36 @@ def test_each_instantiation_has_its_classes(folder: Path) -> None:
             names = entry_names(class_text(folder, "generics", f"{generics.MANAGED_CLASSES[kind]}_{row.tag}"))
             assert {"btp_TypeOf", "btp_CastTo", "btp_CastAs", "btp_IsAssignable"} <= set(names)
             assert len(names) == len(set(names))
+
+
+def test_collections_are_called_as_they_are_bound(folder: Path) -> None:
+    """Each entry point that a host of the native side looks up is there, with the same result and arguments."""
+    rows = generics.read(ROOT / "catalogue", parser.read(ROOT / "catalogue"))
+    typed = [f"{generics.MANAGED_CLASSES[kind]}_{row.tag}" for row in rows for kind in row.hosts]
+    places = {name: ("Velbor.WrpGen.Generic", "generics") for name in typed}
+    places.update({name: ("Velbor.WrpGen.Interop", "services") for name in UNTYPED})
+    bound = signatures.read(folder.parent)
+    for name, (namespace, module) in places.items():
+        offered = entry_forms(class_text(folder, module, name))
+        entries = bound[f"{namespace}.{name}"]
+        assert entries and (name in typed or set(offered) == set(entries)), name
+        for entry, (result, arguments) in entries.items():
+            assert offered[entry] == (in_csharp(result), [in_csharp(a) for a in arguments]), f"{name}.{entry}"
+
+
+def test_casts_of_classes_with_a_part_written_by_hand(folder: Path) -> None:
+    halves = {
+        "SiApiStream": "Hosts",
+        "EnumApi": "Reflection",
+        "TypeApi": "Reflection",
+        "ObjectApi": "Reflection",
+    }
+    assert [service.name for service in emit_services.SERVICES] == [*UNTYPED, *halves]
+    for name, place in halves.items():
+        made = entry_names(class_text(folder, "services", name))
+        assert sorted(made) == sorted(emit_csharp.CLASS_CASTS)
+        by_hand = (ROOT / "managed" / "Interop" / place / f"{name}.cs").read_text(encoding="utf-8")
+        assert f"partial class {name}\n" in by_hand and not set(made) & set(entry_names(by_hand))
 
 
 def test_every_entry_point_lets_no_exception_out(folder: Path) -> None:

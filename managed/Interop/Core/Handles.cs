@@ -80,6 +80,14 @@ internal static unsafe class Handles
         return target.GetType() == typeof(T) ? Unsafe.As<T>(target) : (T)target;
     }
 
+    /// <summary>
+    /// The same, to be called through an interface. Such a call asks the object's own class for the method and throws
+    /// when it has none, so a cast beforehand would only ask twice.
+    /// </summary>
+    [MethodImpl(MethodImplOptions.AggressiveInlining)]
+    public static T View<T>(void* handle)
+        where T : class => Unsafe.As<T>(Get(handle));
+
     /// <summary>The object behind a handle, null for a null handle.</summary>
     public static object? GetOrNull(void* handle) => handle == null ? null : Get(handle);
 

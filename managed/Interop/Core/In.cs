@@ -16,13 +16,15 @@ internal static unsafe class In
         where T : class => handle == null ? null : Handles.Get<T>(handle);
 
     /// <summary>The struct behind a wrapper of it.</summary>
+    [MethodImpl(MethodImplOptions.AggressiveInlining)]
     public static T Struct<T>(VariantArg* value)
-        where T : struct => Handles.Get(value->Payload) switch
-        {
-            StructHolder<T> holder => holder.Value,
-            T boxed => boxed,
-            { } other => throw Mismatch(typeof(T), other),
-        };
+        where T : struct
+    {
+        object target = Handles.Get(value->Payload);
+        return target.GetType() == typeof(StructHolder<T>)
+            ? Unsafe.As<StructHolder<T>>(target).Value
+            : Unboxed<T>(target);
+    }
 
     /// <summary>
     /// The struct that a by-list parameter brings, or the cleared value when its list is empty.
@@ -151,6 +153,10 @@ internal static unsafe class In
         ReferenceKind.Python => new PyListProxy<object?>((PyObject*)value->Payload, Elements.Object),
         _ => new PySequenceProxy<object?>((PyObject*)value->Payload, Elements.Object),
     };
+
+    [MethodImpl(MethodImplOptions.NoInlining)]
+    private static T Unboxed<T>(object target)
+        where T : struct => target is T boxed ? boxed : throw Mismatch(typeof(T), target);
 
     [MethodImpl(MethodImplOptions.NoInlining)]
     private static InvalidCastException Mismatch(Type wanted, object given) =>

@@ -14,8 +14,6 @@ internal static unsafe class PythonThread
     private static delegate*<bool> s_isKnown;
     private static delegate* unmanaged[SuppressGCTransition]<void*> s_getThreadState;
 
-    public static void Enter() => PendingReleases.GiveBack();
-
     /// <summary>Refuses a thread that Python does not know.</summary>
     public static void Require()
     {

@@ -65,7 +65,6 @@ internal static unsafe class ObjectHost
     {
         try
         {
-            PythonThread.Enter();
             object target = Handles.Get(handle);
             if (target is not IDisposable disposable)
             {

@@ -5,7 +5,7 @@ using System.Runtime.InteropServices;
 namespace Velbor.WrpGen.Interop;
 
 /// <summary>Streams.</summary>
-internal static unsafe class SiApiStream
+internal static unsafe partial class SiApiStream
 {
     [UnmanagedCallersOnly]
     public static byte CanRead(void* self)
@@ -169,72 +169,6 @@ internal static unsafe class SiApiStream
         catch (Exception e)
         {
             Errors.Report(e);
-        }
-    }
-
-    /// <summary>The caller gives a handle or the address of a record.</summary>
-    [UnmanagedCallersOnly]
-    public static int btp_IsAssignable(void* handleOrRecord)
-    {
-        try
-        {
-            return Casts.IsInstanceOfEither<Stream>(handleOrRecord);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, 0);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_TypeOf(void** result)
-    {
-        try
-        {
-            return Casts.TypeOf(typeof(Stream), result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, 0);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_CastTo(VariantArg* value, void** result)
-    {
-        try
-        {
-            return Casts.ToReference<Stream>(value, result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, -1);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_ReInterpretObj(void* handle, void** result)
-    {
-        try
-        {
-            return Casts.ReinterpretReference<Stream>(handle, result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, 0);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_CastAs(VariantArg* value, void** result)
-    {
-        try
-        {
-            return Casts.AsReference<Stream>(value, result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, -1);
         }
     }
 }

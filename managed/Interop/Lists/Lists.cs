@@ -16,22 +16,15 @@ internal static class Lists
     public const int OutOfRange = 2;
 
     // Entry points are compiled once and never again, while these become faster with use: the runtime learns which
-    // classes come and calls them directly. So what is hot is asked for here, the cast included.
+    // classes come and calls them directly. So what an element takes is asked for here.
 
     /// <summary>Whether the enumerator has one more element.</summary>
-    public static bool Next<T>(object enumerator, out T item)
+    public static bool Next<T>(IEnumerator<T> items, out T item)
     {
-        IEnumerator<T> items = (IEnumerator<T>)enumerator;
         bool found = items.MoveNext();
         item = found ? items.Current : default!;
         return found;
     }
-
-    /// <summary>How many elements a collection has.</summary>
-    public static int Count<T>(object collection) => ((ICollection<T>)collection).Count;
-
-    /// <summary>The element of a list at an index that the caller has made non-negative.</summary>
-    public static int GetFrom<T>(object list, int index, out T value) => Get((IList<T>)list, index, out value);
 
     /// <summary>The element at an index that the caller has made non-negative.</summary>
     public static int Get<T>(IList<T> list, int index, out T value)
@@ -309,6 +302,15 @@ internal static class Lists
         if (count > 0)
         {
             list.EnsureCapacity(checked(list.Count + count));
+        }
+    }
+
+    /// <summary>The same for a list without an element type.</summary>
+    public static void EnsureRoom(ArrayList list, int count)
+    {
+        if (list.Capacity - list.Count < count)
+        {
+            list.Capacity = checked(list.Count + count);
         }
     }
 

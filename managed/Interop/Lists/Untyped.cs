@@ -8,11 +8,18 @@ namespace Velbor.WrpGen.Interop;
 internal static unsafe class Untyped
 {
     /// <summary>
-    /// Gives an element to Python; the status is 0, or -1 when no Python object could be made of it.
+    /// Gives the next element to Python. The status is 0, or 1 at the end, or -1 when no Python object could be made
+    /// of it.
     /// </summary>
-    public static int Give(object? value, PyObject** result)
+    public static int Next(object enumerator, PyObject** result)
     {
-        *result = Out.Object(value);
+        IEnumerator items = (IEnumerator)enumerator;
+        if (!items.MoveNext())
+        {
+            return 1;
+        }
+
+        *result = Out.Object(items.Current);
         return *result == null ? -1 : 0;
     }
 

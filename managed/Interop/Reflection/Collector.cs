@@ -16,7 +16,6 @@ internal static class Collector
     {
         try
         {
-            PythonThread.Enter();
             CollectWithFinalizers();
             PendingReleases.GiveBack();
             return 0;

@@ -5,84 +5,13 @@ using Velbor.WrpGen.Interop;
 namespace Velbor.WrpGen.Reflection;
 
 /// <summary>What the wrapper of a type can be asked.</summary>
-internal static unsafe class TypeApi
+internal static unsafe partial class TypeApi
 {
-    [UnmanagedCallersOnly]
-    public static int btp_TypeOf(void** result)
-    {
-        try
-        {
-            PythonThread.Enter();
-            return Casts.TypeOf(typeof(Type), result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, 0);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_CastTo(VariantArg* value, void** result)
-    {
-        try
-        {
-            PythonThread.Enter();
-            return Casts.ToReference<Type>(value, result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, -1);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_CastAs(void* value, void** result)
-    {
-        try
-        {
-            PythonThread.Enter();
-            return Casts.AsReference<Type>(value, result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, -1);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_IsAssignable(void* value)
-    {
-        try
-        {
-            PythonThread.Enter();
-            return Casts.IsInstance<Type>(value);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, 0);
-        }
-    }
-
-    [UnmanagedCallersOnly]
-    public static int btp_ReInterpretObj(void* handle, void** result)
-    {
-        try
-        {
-            PythonThread.Enter();
-            return Casts.ReinterpretReference<Type>(handle, result);
-        }
-        catch (Exception e)
-        {
-            return Errors.Report(e, 0);
-        }
-    }
-
     [UnmanagedCallersOnly]
     public static PyObject* get_Name(void* self)
     {
         try
         {
-            PythonThread.Enter();
             return Out.String(Of(self).Name);
         }
         catch (Exception e)
@@ -97,7 +26,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Out.String(Of(self).FullName);
         }
         catch (Exception e)
@@ -112,7 +40,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Out.String(Of(self).Namespace);
         }
         catch (Exception e)
@@ -127,7 +54,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Out.String(Of(self).Assembly.GetName().Name);
         }
         catch (Exception e)
@@ -142,7 +68,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Out.Class(Of(self).BaseType);
         }
         catch (Exception e)
@@ -157,7 +82,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Out.Class(Of(self).GetElementType());
         }
         catch (Exception e)
@@ -172,7 +96,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return TraitsOf(Of(self));
         }
         catch (Exception e)
@@ -186,7 +109,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Of(self).GetInterfaces().Length;
         }
         catch (Exception e)
@@ -200,7 +122,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             Type[] interfaces = Of(self).GetInterfaces();
             for (int i = 0; i < count; i++)
             {
@@ -220,7 +141,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Of(self).IsAssignableFrom(other == null ? null : Of(other)) ? 1 : 0;
         }
         catch (Exception e)
@@ -234,7 +154,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Of(self).IsSubclassOf(Of(other)) ? 1 : 0;
         }
         catch (Exception e)
@@ -248,7 +167,6 @@ internal static unsafe class TypeApi
     {
         try
         {
-            PythonThread.Enter();
             return Of(self).IsInstanceOfType(In.Reference(value)) ? 1 : 0;
         }
         catch (Exception e)

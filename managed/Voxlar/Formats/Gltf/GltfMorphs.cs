@@ -28,13 +28,13 @@ internal static class GltfMorphs
 
     internal static Shape? ShapeOf(MorphTargetChannel channel, WriteContext context) =>
         channel.Targets.Count switch
-    {
-        0 => null,
-        1 => channel.Targets[0],
-        _ => throw context.Error(
-            $"the morph channel '{channel.Name}' has {channel.Targets.Count} shapes; glTF holds one a "
-            + "channel"),
-    };
+        {
+            0 => null,
+            1 => channel.Targets[0],
+            _ => throw context.Error(
+                $"the morph channel '{channel.Name}' has {channel.Targets.Count} shapes; glTF holds one a "
+                + "channel"),
+        };
 
     /// <summary>The factor from the weight of the channel to that in the document.</summary>
     internal static double ScaleOf(MorphTargetChannel channel)

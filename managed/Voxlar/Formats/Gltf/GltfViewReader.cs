@@ -135,8 +135,10 @@ internal sealed class GltfViewReader
             "spot" => LightType.Spot,
             _ => throw json.Place.Child("type").Fault($"there is no light type \"{told}\""),
         };
-        var light = new Light(json.StringOrNull("name") ?? string.Empty, type) { Intensity =
-            json.Double("intensity", 1) };
+        var light = new Light(json.StringOrNull("name") ?? string.Empty, type)
+        {
+            Intensity = json.Double("intensity", 1),
+        };
         if (json.TryGet("color", out _))
         {
             double[] color = json.Doubles("color", 3);
