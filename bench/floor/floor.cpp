@@ -29,7 +29,7 @@ struct Functions {
     int (*take_object)(void*, void*);
     int (*length)(void*);
     int (*item)(void*, int, double*);
-    int (*call_back)(void*, PyObject*);
+    int (*take_all)(void*, PyObject*);
     void (*fail)(void*);
 };
 
@@ -78,18 +78,28 @@ int item(void* self, int index, double* out) {
     *out = values[static_cast<std::size_t>(index)];
     return 0;
 }
-int call_back(void*, PyObject* function) {
-    PyObject* result = PyObject_CallNoArgs(function);
-    Py_XDECREF(result);
-    return result != nullptr;
+// Calls back into Python for each element.
+int take_all(void* self, PyObject* iterable) {
+    PyObject* iterator = PyObject_GetIter(iterable);
+    if (iterator == nullptr) {
+        return 0;
+    }
+    double sum = 0;
+    while (PyObject* item = PyIter_Next(iterator)) {
+        sum += static_cast<double>(Py_REFCNT(item));
+        Py_DECREF(item);
+    }
+    Py_DECREF(iterator);
+    static_cast<Native*>(self)->x = sum;
+    return !PyErr_Occurred();
 }
 void fail(void*) {
     PyErr_SetString(PyExc_RuntimeError, "it failed");
 }
 
 // Volatile, so that the compiler cannot see through the pointers.
-const Functions table = {create,    free_native, get_x,  set_x, get_name,  set_name,
-                         take_text, take_object, length, item,  call_back, fail};
+const Functions table = {create,    free_native, get_x,  set_x, get_name, set_name,
+                         take_text, take_object, length, item,  take_all, fail};
 const Functions* volatile functions = &table;
 
 struct Floor {
@@ -172,6 +182,13 @@ PyObject* floor_take_object(PyObject* self, PyObject* args, PyObject* kwargs) {
         return nullptr;
     }
     functions->take_object(handle_of(self), handle_of(other));
+    Py_RETURN_NONE;
+}
+
+PyObject* floor_take_all(PyObject* self, PyObject* iterable) {
+    if (!functions->take_all(handle_of(self), iterable)) {
+        return nullptr;
+    }
     Py_RETURN_NONE;
 }
 
@@ -269,6 +286,7 @@ PyMethodDef methods[] = {
      METH_VARARGS | METH_KEYWORDS, nullptr},
     {"overload", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(floor_overload)),
      METH_VARARGS | METH_KEYWORDS, nullptr},
+    {"take_all", floor_take_all, METH_O, nullptr},
     {"child", floor_child, METH_NOARGS, nullptr},
     {"fail", floor_fail, METH_NOARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},

@@ -41,6 +41,10 @@ bool read_index(PyObject* key, Py_ssize_t length, Py_ssize_t& index) {
     return true;
 }
 
+bool is_index(PyObject* key) {
+    return PyLong_CheckExact(key) || PyIndex_Check(key);
+}
+
 bool read_slice(PyObject* key, Py_ssize_t length, Slice& slice) {
     if (!PySlice_Check(key)) {
         PyErr_Format(PyExc_TypeError, "list indices must be integers or slices, not %.200s",
@@ -285,7 +289,7 @@ PyObject* subscript(const ListOperations& list, void* handle, PyObject* key) {
     if (!read_length(list, handle, length)) {
         return nullptr;
     }
-    if (PyIndex_Check(key)) {
+    if (is_index(key)) {
         Py_ssize_t index = 0;
         return read_index(key, length, index) ? list.item(handle, static_cast<int>(index)) : nullptr;
     }
@@ -324,7 +328,7 @@ int assign_subscript(const ListOperations& list, void* handle, PyObject* key, Py
     if (!read_length(list, handle, length)) {
         return -1;
     }
-    if (PyIndex_Check(key)) {
+    if (is_index(key)) {
         Py_ssize_t index = 0;
         return read_index(key, length, index) ? assign_item(list, handle, index, value) : -1;
     }

@@ -57,9 +57,9 @@ protected:
     ~SlottedHost() = default;
 };
 
-/// A value that `Make` makes at the first use, under the GIL, and that stands until the process ends. Every call
-/// begins with one of these, so all but the first cost one test of a pointer, not the guard of a function-local
-/// static.
+/// A value that `Make` makes at the first use, under the GIL, and that stands until the process ends. Every
+/// call begins with one of these, so all but the first cost one test of a pointer, not the guard of a
+/// function-local static.
 template <auto Make>
 class MadeOnce {
     using Value = decltype(Make());

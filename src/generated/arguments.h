@@ -82,8 +82,9 @@ template <std::size_t N, class... Arguments>
 
 /// Converts the arguments of one overload. False leaves an exception set.
 template <std::size_t N, class... Arguments>
-bool fn_parse_arguments(PyObject* args, PyObject* kwargs, ParameterNames<N>& names,
-                        const Arguments&... arguments) {
+[[gnu::always_inline]] inline bool fn_parse_arguments(PyObject* args, PyObject* kwargs,
+                                                      ParameterNames<N>& names,
+                                                      const Arguments&... arguments) {
     static_assert(N == sizeof...(Arguments) && N > 0 && N <= max_parameters);
     if (kwargs == nullptr && PyTuple_GET_SIZE(args) == static_cast<Py_ssize_t>(N)) [[likely]] {
         Py_ssize_t position = 0;

@@ -116,7 +116,7 @@ int fn_conv_py_long_to_clr_int16(PyObject* value, std::int16_t* out) {
 int fn_conv_py_ulong_to_clr_uint16(PyObject* value, std::uint16_t* out) {
     return convert_integer(value, out);
 }
-int fn_conv_py_long_to_clr_int32(PyObject* value, std::int32_t* out) {
+int fn_conv_py_other_to_clr_int32(PyObject* value, std::int32_t* out) {
     return convert_integer(value, out);
 }
 int fn_conv_py_ulong_to_clr_uint32(PyObject* value, std::uint32_t* out) {

@@ -20,8 +20,22 @@ int fn_conv_py_long_to_clr_int8(PyObject* value, std::int8_t* out);
 int fn_conv_py_ulong_to_clr_uint8(PyObject* value, std::uint8_t* out);
 int fn_conv_py_long_to_clr_int16(PyObject* value, std::int16_t* out);
 int fn_conv_py_ulong_to_clr_uint16(PyObject* value, std::uint16_t* out);
+/// What the converter below does with anything but a plain number.
+int fn_conv_py_other_to_clr_int32(PyObject* value, std::int32_t* out);
+
 /// Keeps the low 32 bits of a value that fits 64: no range test of its own.
-int fn_conv_py_long_to_clr_int32(PyObject* value, std::int32_t* out);
+inline int fn_conv_py_long_to_clr_int32(PyObject* value, std::int32_t* out) {
+    if (PyLong_CheckExact(value)) [[likely]] {
+        // -1 may be an error: then the number is read once more, slowly.
+        if (const long number = PyLong_AsLong(value); number != -1) [[likely]] {
+            *out = static_cast<std::int32_t>(number);
+            return 1;
+        }
+        PyErr_Clear();
+    }
+    return fn_conv_py_other_to_clr_int32(value, out);
+}
+
 /// Keeps the low 32 bits, as its signed neighbour.
 int fn_conv_py_ulong_to_clr_uint32(PyObject* value, std::uint32_t* out);
 int fn_conv_py_long_to_clr_int64(PyObject* value, std::int64_t* out);

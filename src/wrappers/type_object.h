@@ -69,8 +69,8 @@ constexpr PyTypeObject fn_make_interop_type(const WrapperTypeParts& parts) {
 }
 
 /// `tp_new` of a wrapper type: nothing is made while the type cannot be used (`Invalidate` raises), and the
-/// handle starts as null. The object is of fixed size and unknown to the cycle collector, so PyType_GenericNew
-/// would do no more than this, in three times the instructions.
+/// handle starts as null. The object is of fixed size and unknown to the cycle collector, so
+/// PyType_GenericNew would do no more than this, in three times the instructions.
 template <bool (*Invalidate)()>
 PyObject* fn_wrapper_tp_new(PyTypeObject* type, PyObject*, PyObject*) {
     if (Invalidate()) {
