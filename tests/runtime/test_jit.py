@@ -74,6 +74,11 @@ def test_after_the_import(tmp_path: Path) -> None:
     assert len(methods) <= AFTER_IMPORT, methods
 
 
+def test_after_the_first_handle(tmp_path: Path) -> None:
+    methods = compiled("from velbor.voxlar.utilities import Vector3; Vector3()", tmp_path)
+    assert len(methods) <= AFTER_IMPORT, methods
+
+
 @pytest.mark.parametrize("extension", list(AFTER_DEMO))
 def test_after_a_run_like_the_demo(extension: str, tmp_path: Path) -> None:
     file_format = FileFormat.get_format_by_extension("." + extension)

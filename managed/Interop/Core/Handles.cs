@@ -1,5 +1,6 @@
 using System;
 using System.Runtime.CompilerServices;
+using System.Runtime.InteropServices;
 
 namespace Velbor.WrpGen.Interop;
 
@@ -20,7 +21,7 @@ internal static unsafe class Handles
     private const int Mark = 1;
 
     // No initialisers: nothing here may wait for a static constructor.
-    private static Slot[][]? s_chunks;
+    private static int s_chunks;
     private static nint s_free;
     private static int s_living;
     private static long s_refusedFrees;
@@ -129,9 +130,10 @@ internal static unsafe class Handles
     [MethodImpl(MethodImplOptions.NoInlining)]
     private static nint Grow()
     {
-        int count = s_chunks?.Length ?? 0;
-        int capacity = Math.Min(FirstCapacity << Math.Min(count, 16), LargestCapacity);
-        Slot[] chunk = GC.AllocateArray<Slot>(capacity, pinned: true);
+        int capacity = Math.Min(FirstCapacity << Math.Min(s_chunks, 16), LargestCapacity);
+        Slot[] chunk = new Slot[capacity];
+        // Never disposed: it holds the chunk where it is. An array that is made pinned would wait for the JIT.
+        _ = new PinnedGCHandle<Slot[]>(chunk);
         nint next = 0;
         for (int index = capacity - 1; index >= 0; index--)
         {
@@ -139,14 +141,7 @@ internal static unsafe class Handles
             next = (nint)Unsafe.AsPointer(ref chunk[index]) + Mark;
         }
 
-        Slot[][] chunks = new Slot[count + 1][];
-        for (int index = 0; index < count; index++)
-        {
-            chunks[index] = s_chunks![index];
-        }
-
-        chunks[count] = chunk;
-        s_chunks = chunks;
+        s_chunks++;
         s_free = next;
         return next;
     }
