@@ -43,5 +43,12 @@ struct IterableArgument {
 };
 int fn_convert_iterable_argument(const IterableArgument& argument, PyObject* object, VariantArg* out);
 
+/// Asks the managed side whether a wrapper of another type fits. `Passed` is how its host takes the object:
+/// by the address of a record where an interface is declared, by handle where a class is.
+template <class Host, class Passed>
+int fn_is_assignable(Passed object) {
+    return Host::get_instance().btp_IsAssignable(object);
+}
+
 /// TypeError "can't build <name> value from '<type>'"; 0.
 int fn_refuse_argument(const char* name, PyObject* object);

@@ -35,6 +35,21 @@ struct GenericIterable {
     }
 };
 
+/// The type object of a typed collection. `Kind` is one of the templates below, instantiated: it gives its
+/// methods, its slots and its check.
+template <class Kind, FixedText Name, class G, PyTypeObject& Enumerator>
+constexpr PyTypeObject fn_make_typed_collection(PySequenceMethods& sequence, PyMappingMethods& mapping,
+                                                PyTypeObject* base = nullptr) {
+    return fn_make_collection_type({.name = kJoinedText<Name, G::kTag>.text,
+                                    .methods = Kind::methods,
+                                    .properties = length_properties<typename Kind::Slots>,
+                                    .base = base,
+                                    .create = fn_wrapper_tp_new<Kind::invalidate>,
+                                    .iterate = GenericIterable<G>::template iter<Enumerator>,
+                                    .sequence = &sequence,
+                                    .mapping = &mapping});
+}
+
 template <class G, PyTypeObject& Type>
 struct GenericIter {
     using Host = PyHost_gn_Iter<G>;
@@ -79,19 +94,10 @@ struct GenericICol {
                                            VELBOR_ROW_CLEAR(Slots),        VELBOR_ROW_EXTEND(Slots),
                                            VELBOR_ROW_CONTAINS(Slots),     VELBOR_ROW_COUNT(Slots),
                                            VELBOR_ROW_COPY_WALKING(Slots), VELBOR_GENERIC_TAIL(Casts)};
-    static inline PyGetSetDef properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
-    static inline PySequenceMethods sequence = fn_growing_walked_sequence<Slots>();
-    static inline PyMappingMethods mapping = fn_length_mapping<Slots>();
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type(
-            {.name = kJoinedText<VELBOR_GENERIC_NAME "_IColWrapper_", G::kTag>.text,
-             .methods = methods,
-             .properties = properties,
-             .create = fn_wrapper_tp_new<invalidate>,
-             .iterate = GenericIterable<G>::template iter<Enumerator>,
-             .sequence = &sequence,
-             .mapping = &mapping});
+        return fn_make_typed_collection<GenericICol, VELBOR_GENERIC_NAME "_IColWrapper_", G, Enumerator>(
+            growing_walked_sequence<Slots>, length_mapping<Slots>);
     }
 };
 
@@ -114,25 +120,14 @@ struct GenericIList {
         VELBOR_ROW_REVERSE(Slots), VELBOR_ROW_COPY(Slots),   VELBOR_ROW_APPEND(Slots),
         VELBOR_ROW_REMOVE(Slots),  VELBOR_ROW_CLEAR(Slots),  VELBOR_ROW_CONTAINS(Slots),
         VELBOR_GENERIC_TAIL(Casts)};
-    static inline PyGetSetDef properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
-    static inline PySequenceMethods sequence = fn_list_sequence<Slots>();
-    static inline PyMappingMethods mapping = fn_item_mapping<Slots>();
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type(
-            {.name = kJoinedText<VELBOR_GENERIC_NAME "_IListWrapper_", G::kTag>.text,
-             .methods = methods,
-             .properties = properties,
-             .create = fn_wrapper_tp_new<invalidate>,
-             .iterate = GenericIterable<G>::template iter<Enumerator>,
-             .sequence = &sequence,
-             .mapping = &mapping});
+        return fn_make_typed_collection<GenericIList, VELBOR_GENERIC_NAME "_IListWrapper_", G, Enumerator>(
+            list_sequence<Slots>, item_mapping<Slots>);
     }
 
-    static int is_assignable(const VariantArg* record) {
-        return Host::get_instance().btp_IsAssignable(record);
-    }
-    static constexpr InterfaceArgument argument = {&Type, invalidate, is_assignable, fn_take_list, "IList"};
+    static constexpr InterfaceArgument argument = {
+        &Type, invalidate, fn_is_assignable<Host, const VariantArg*>, fn_take_list, "IList"};
 };
 
 template <class G, PyTypeObject& Type, PyTypeObject& Enumerator>
@@ -143,23 +138,13 @@ struct GenericList {
     using Casts = ClassCasts<Host, Type, invalidate>;
 
     static inline PyMethodDef methods[] = {VELBOR_LIST_ROWS(Slots), VELBOR_GENERIC_TAIL(Casts)};
-    static inline PyGetSetDef properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
-    static inline PySequenceMethods sequence = fn_list_sequence<Slots>();
-    static inline PyMappingMethods mapping = fn_item_mapping<Slots>();
 
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type(
-            {.name = kJoinedText<VELBOR_GENERIC_NAME "_ListWrapper_", G::kTag>.text,
-             .methods = methods,
-             .properties = properties,
-             .create = fn_wrapper_tp_new<invalidate>,
-             .iterate = GenericIterable<G>::template iter<Enumerator>,
-             .sequence = &sequence,
-             .mapping = &mapping});
+        return fn_make_typed_collection<GenericList, VELBOR_GENERIC_NAME "_ListWrapper_", G, Enumerator>(
+            list_sequence<Slots>, item_mapping<Slots>);
     }
 
-    static int is_assignable(void* handle) { return Host::get_instance().btp_IsAssignable(handle); }
-    static constexpr ClassArgument argument = {&Type, invalidate, is_assignable, "List"};
+    static constexpr ClassArgument argument = {&Type, invalidate, fn_is_assignable<Host, void*>, "List"};
 };
 
 template <class G, PyTypeObject& Type, PyTypeObject& Enumerator>
@@ -170,25 +155,14 @@ struct GenericArray {
     using Casts = ClassCasts<Host, Type, invalidate>;
 
     static inline PyMethodDef methods[] = {VELBOR_ARRAY_ROWS(Slots), VELBOR_GENERIC_TAIL(Casts)};
-    static inline PyGetSetDef properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
-    static inline PySequenceMethods sequence = fn_array_sequence<Slots>();
-    static inline PyMappingMethods mapping = fn_item_mapping<Slots>();
 
     /// The one kind with a base: a typed array is taken where the untyped one is declared.
     static constexpr PyTypeObject make_type() {
-        return fn_make_collection_type(
-            {.name = kJoinedText<VELBOR_GENERIC_NAME "_ArrayWrapper_", G::kTag>.text,
-             .methods = methods,
-             .properties = properties,
-             .base = &wrpPye_tyds_ArrayWrapper,
-             .create = fn_wrapper_tp_new<invalidate>,
-             .iterate = GenericIterable<G>::template iter<Enumerator>,
-             .sequence = &sequence,
-             .mapping = &mapping});
+        return fn_make_typed_collection<GenericArray, VELBOR_GENERIC_NAME "_ArrayWrapper_", G, Enumerator>(
+            array_sequence<Slots>, item_mapping<Slots>, &wrpPye_tyds_ArrayWrapper);
     }
 
-    static int is_assignable(void* handle) { return Host::get_instance().btp_IsAssignable(handle); }
-    static constexpr ClassArgument argument = {&Type, invalidate, is_assignable, "Array"};
+    static constexpr ClassArgument argument = {&Type, invalidate, fn_is_assignable<Host, void*>, "Array"};
 };
 
 /// An array argument whose element type has no wrapper: the host is there for "btp_IsAssignable" alone.
@@ -196,6 +170,5 @@ template <class G>
 struct UnwrappedArray {
     using Host = PyHost_gn_Array<G>;
     static bool invalidate() { return fn_collection_invalidate<Host>(); }
-    static int is_assignable(void* handle) { return Host::get_instance().btp_IsAssignable(handle); }
-    static constexpr ClassArgument argument = {nullptr, invalidate, is_assignable, "Array"};
+    static constexpr ClassArgument argument = {nullptr, invalidate, fn_is_assignable<Host, void*>, "Array"};
 };

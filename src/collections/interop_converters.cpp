@@ -6,37 +6,33 @@
 
 namespace {
 
+// How each kind of host is asked.
 template <class Host>
-int is_assignable(const VariantArg* record) {
-    return Host::get_instance().btp_IsAssignable(record);
-}
-
+constexpr auto by_record = fn_is_assignable<Host, const VariantArg*>;
 template <class Host>
-int is_handle_assignable(void* handle) {
-    return Host::get_instance().btp_IsAssignable(handle);
-}
+constexpr auto by_handle = fn_is_assignable<Host, void*>;
 
 constexpr InterfaceArgument kIter = {&wrpPye_tyds_IterWrapper, wrpPye_uafn_iter_invalidate,
-                                     is_assignable<PyHost_ph_Iter>, fn_take_iterator, "IEnumerator"};
+                                     by_record<PyHost_ph_Iter>, fn_take_iterator, "IEnumerator"};
 constexpr InterfaceArgument kIterable = {&wrpPye_tyds_IterableWrapper, wrpPye_uafn_iterable_invalidate,
-                                         is_assignable<PyHost_ph_Iterable>, fn_take_iterable, "IEnumerable"};
+                                         by_record<PyHost_ph_Iterable>, fn_take_iterable, "IEnumerable"};
 constexpr InterfaceArgument kDisposable = {&wrpPye_tyds_IDisposableWrapper,
                                            wrpPye_uafn_idisposable_invalidate,
-                                           is_assignable<PyHost_ph_Disposable>, nullptr, "IDisposable"};
+                                           by_record<PyHost_ph_Disposable>, nullptr, "IDisposable"};
 // Both of the next two are refused as "List".
 constexpr InterfaceArgument kICollection = {&wrpPye_tyds_IColWrapper, wrpPye_uafn_icol_invalidate,
-                                            is_assignable<PyHost_ph_ICol>, fn_take_sized_iterable, "List"};
+                                            by_record<PyHost_ph_ICol>, fn_take_sized_iterable, "List"};
 constexpr InterfaceArgument kIList = {&wrpPye_tyds_IListWrapper, wrpPye_uafn_ilist_invalidate,
-                                      is_assignable<PyHost_ph_IList>, fn_take_list, "List"};
+                                      by_record<PyHost_ph_IList>, fn_take_list, "List"};
 
 constexpr ClassArgument kArray = {&wrpPye_tyds_ArrayWrapper, wrpPye_uafn_array_invalidate,
-                                  is_handle_assignable<PyHost_ph_Array>, "Array"};
+                                  by_handle<PyHost_ph_Array>, "Array"};
 constexpr ClassArgument kArrList = {&wrpPye_tyds_ArrListWrapper, wrpPye_uafn_arrlist_invalidate,
-                                    is_handle_assignable<PyHost_ph_ArrList>, "ArrayList"};
+                                    by_handle<PyHost_ph_ArrList>, "ArrayList"};
 constexpr ClassArgument kColBase = {&wrpPye_tyds_ColBaseWrapper, wrpPye_uafn_colbase_invalidate,
-                                    is_handle_assignable<PyHost_ph_ColBase>, "CollectionBase"};
+                                    by_handle<PyHost_ph_ColBase>, "CollectionBase"};
 constexpr ClassArgument kRoColBase = {&wrpPye_tyds_RoColBaseWrapper, wrpPye_uafn_rocolbase_invalidate,
-                                      is_handle_assignable<PyHost_ph_RoColBase>, "ReadOnlyCollectionBase"};
+                                      by_handle<PyHost_ph_RoColBase>, "ReadOnlyCollectionBase"};
 
 }  // namespace
 

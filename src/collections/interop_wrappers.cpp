@@ -111,21 +111,6 @@ PyMethodDef colbase_methods[] = {VELBOR_ILIST_ROWS, VELBOR_INTEROP_TAIL(ColBaseC
 PyMethodDef array_methods[] = {VELBOR_ARRAY_ROWS(ArraySlots), VELBOR_INTEROP_TAIL(ArrayCasts)};
 PyMethodDef arrlist_methods[] = {VELBOR_LIST_ROWS(ArrListSlots), VELBOR_INTEROP_TAIL(ArrListCasts)};
 
-PyGetSetDef icol_properties[] = {VELBOR_LENGTH_PROPERTY(IColSlots), {}};
-PyGetSetDef ilist_properties[] = {VELBOR_LENGTH_PROPERTY(IListSlots), {}};
-PyGetSetDef array_properties[] = {VELBOR_LENGTH_PROPERTY(ArraySlots), {}};
-PyGetSetDef arrlist_properties[] = {VELBOR_LENGTH_PROPERTY(ArrListSlots), {}};
-
-PySequenceMethods icol_sequence = fn_walked_sequence<IColSlots>();
-PySequenceMethods ilist_sequence = fn_list_sequence<IListSlots>();
-PySequenceMethods array_sequence = fn_array_sequence<ArraySlots>();
-PySequenceMethods arrlist_sequence = fn_list_sequence<ArrListSlots>();
-
-PyMappingMethods icol_mapping = fn_length_mapping<IColSlots>();
-PyMappingMethods ilist_mapping = fn_item_mapping<IListSlots>();
-PyMappingMethods array_mapping = fn_item_mapping<ArraySlots>();
-PyMappingMethods arrlist_mapping = fn_item_mapping<ArrListSlots>();
-
 }  // namespace
 
 // Types -----------------------------------------------------------------------------------------------
@@ -153,53 +138,53 @@ PyTypeObject wrpPye_tyds_IterableWrapper =
 PyTypeObject wrpPye_tyds_IColWrapper =
     fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IColWrapper",
                              .methods = icol_methods,
-                             .properties = icol_properties,
+                             .properties = length_properties<IColSlots>,
                              .create = fn_wrapper_tp_new<wrpPye_uafn_icol_invalidate>,
                              .iterate = wrpPye_bltp_iterable_iter,
-                             .sequence = &icol_sequence,
-                             .mapping = &icol_mapping});
+                             .sequence = &walked_sequence<IColSlots>,
+                             .mapping = &length_mapping<IColSlots>});
 
 PyTypeObject wrpPye_tyds_IListWrapper =
     fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_IListWrapper",
                              .methods = ilist_methods,
-                             .properties = ilist_properties,
+                             .properties = length_properties<IListSlots>,
                              .create = fn_wrapper_tp_new<wrpPye_uafn_ilist_invalidate>,
                              .iterate = wrpPye_bltp_iterable_iter,
-                             .sequence = &ilist_sequence,
-                             .mapping = &ilist_mapping});
+                             .sequence = &list_sequence<IListSlots>,
+                             .mapping = &item_mapping<IListSlots>});
 
 PyTypeObject wrpPye_tyds_RoColBaseWrapper =
     fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_RoColBaseWrapper",
                              .methods = rocolbase_methods,
-                             .properties = icol_properties,
+                             .properties = length_properties<IColSlots>,
                              .create = fn_wrapper_tp_new<wrpPye_uafn_rocolbase_invalidate>,
                              .iterate = wrpPye_bltp_iterable_iter,
-                             .sequence = &icol_sequence,
-                             .mapping = &icol_mapping});
+                             .sequence = &walked_sequence<IColSlots>,
+                             .mapping = &length_mapping<IColSlots>});
 
 PyTypeObject wrpPye_tyds_ColBaseWrapper =
     fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_ColBaseWrapper",
                              .methods = colbase_methods,
-                             .properties = ilist_properties,
+                             .properties = length_properties<IListSlots>,
                              .create = fn_wrapper_tp_new<wrpPye_uafn_colbase_invalidate>,
                              .iterate = wrpPye_bltp_iterable_iter,
-                             .sequence = &ilist_sequence,
-                             .mapping = &ilist_mapping});
+                             .sequence = &list_sequence<IListSlots>,
+                             .mapping = &item_mapping<IListSlots>});
 
 PyTypeObject wrpPye_tyds_ArrayWrapper =
     fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_ArrayWrapper",
                              .methods = array_methods,
-                             .properties = array_properties,
+                             .properties = length_properties<ArraySlots>,
                              .create = fn_wrapper_tp_new<wrpPye_uafn_array_invalidate>,
                              .iterate = wrpPye_bltp_iterable_iter,
-                             .sequence = &array_sequence,
-                             .mapping = &array_mapping});
+                             .sequence = &array_sequence<ArraySlots>,
+                             .mapping = &item_mapping<ArraySlots>});
 
 PyTypeObject wrpPye_tyds_ArrListWrapper =
     fn_make_collection_type({.name = VELBOR_INTEROP_NAME "_ArrListWrapper",
                              .methods = arrlist_methods,
-                             .properties = arrlist_properties,
+                             .properties = length_properties<ArrListSlots>,
                              .create = fn_wrapper_tp_new<wrpPye_uafn_arrlist_invalidate>,
                              .iterate = wrpPye_bltp_iterable_iter,
-                             .sequence = &arrlist_sequence,
-                             .mapping = &arrlist_mapping});
+                             .sequence = &list_sequence<ArrListSlots>,
+                             .mapping = &item_mapping<ArrListSlots>});

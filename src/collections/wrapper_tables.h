@@ -112,17 +112,29 @@ constexpr PySequenceMethods fn_list_sequence() {
     return table;
 }
 
-template <class Slots>
-constexpr PyMappingMethods fn_length_mapping() {
-    PyMappingMethods table{};
-    table.mp_length = Slots::sq_length;
-    return table;
-}
+// The tables themselves, one of each for each `Slots`. Type objects keep their addresses.
 
 template <class Slots>
-constexpr PyMappingMethods fn_item_mapping() {
-    return {Slots::sq_length, Slots::mp_subscript, Slots::mp_ssubscript};
-}
+constinit inline PyGetSetDef length_properties[] = {VELBOR_LENGTH_PROPERTY(Slots), {}};
+
+template <class Slots>
+constinit inline PySequenceMethods walked_sequence = fn_walked_sequence<Slots>();
+
+template <class Slots>
+constinit inline PySequenceMethods growing_walked_sequence = fn_growing_walked_sequence<Slots>();
+
+template <class Slots>
+constinit inline PySequenceMethods array_sequence = fn_array_sequence<Slots>();
+
+template <class Slots>
+constinit inline PySequenceMethods list_sequence = fn_list_sequence<Slots>();
+
+template <class Slots>
+constinit inline PyMappingMethods length_mapping = {Slots::sq_length, nullptr, nullptr};
+
+template <class Slots>
+constinit inline PyMappingMethods item_mapping = {Slots::sq_length, Slots::mp_subscript,
+                                                  Slots::mp_ssubscript};
 
 /// What distinguishes one collection wrapper type from another. A null member leaves its slot empty.
 struct CollectionTypeParts {
