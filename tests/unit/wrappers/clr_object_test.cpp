@@ -126,10 +126,12 @@ TEST_F(ClrObject, without_a_managed_text_shows_its_address) {
 }
 
 TEST_F(ClrObject, passes_on_an_error_of_the_managed_text) {
-    managed.failing = {"ToStringOfObj"};
-    const PyRef wrapper = PyRef::steal(make_wrapper(ThingType));
-    EXPECT_EQ(PyObject_Repr(wrapper.get()), nullptr);
-    EXPECT_EQ(take_error(), "RuntimeError: managed");
+    managed.failing = {"ToStringOfObj", "ToStringOfStc"};
+    for (PyTypeObject* type : {&ThingType, &PointType}) {
+        const PyRef wrapper = PyRef::steal(make_wrapper(*type));
+        EXPECT_EQ(PyObject_Repr(wrapper.get()), nullptr);
+        EXPECT_EQ(take_error(), "RuntimeError: managed");
+    }
 }
 
 TEST_F(ClrObject, shown_while_an_error_is_pending_leaves_that_error) {
@@ -146,12 +148,15 @@ TEST_F(ClrObject, shown_while_an_error_is_pending_leaves_that_error) {
 TEST_F(ClrObject, shown_while_an_error_is_pending_reports_its_own_as_unraisable) {
     python.run(
         "import sys\nseen = []\nsys.unraisablehook = lambda u: seen.append((str(u.exc_value), u.object))");
-    managed.failing = {"ToStringOfObj"};
-    const PyRef wrapper = PyRef::steal(make_wrapper(ThingType));
-    PyErr_SetString(PyExc_ValueError, "earlier");
-    EXPECT_EQ(ThingType.tp_repr(wrapper.get()), nullptr);
-    EXPECT_EQ(take_error(), "ValueError: earlier");
-    EXPECT_EQ(python.show("seen"), "[('managed', 'FormatCallbackException')]");
+    managed.failing = {"ToStringOfObj", "ToStringOfStc"};
+    for (PyTypeObject* type : {&ThingType, &PointType}) {
+        const PyRef wrapper = PyRef::steal(make_wrapper(*type));
+        PyErr_SetString(PyExc_ValueError, "earlier");
+        EXPECT_EQ(type->tp_repr(wrapper.get()), nullptr);
+        EXPECT_EQ(take_error(), "ValueError: earlier");
+        EXPECT_EQ(python.show("seen"), "[('managed', 'FormatCallbackException')]");
+        python.run("seen.clear()");
+    }
     python.run("sys.unraisablehook = sys.__unraisablehook__");
 }
 
