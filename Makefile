@@ -58,7 +58,7 @@ bench: build ## ratios to a hand-written floor, measured in the same run
 stress: build ## each operation many times; VELBOR_STRESS=100000 for the full count
 	@PYTHONPATH=$(STAGE) $(PYTHON) -m pytest -q -p no:cacheprovider tests/stress
 
-lint: setup ## formatting and static checks in all three languages
+lint: build ## formatting and static checks in all three languages
 	@tools/lint.sh $(BUILD)
 
 format: ## put the formatting right

@@ -112,7 +112,7 @@ VELBOR_GENERIC_HOST(Array, "SiApiArray", VELBOR_GENERIC_ARRAY_HOST)
 /// casts so: an assembly without them loses the casts and nothing else.
 template <class Host, FixedText Name, class Signature>
 class LateEntryPoint final : public BoundHost<1>, public SingleHost<LateEntryPoint<Host, Name, Signature>> {
-    static constexpr const char* names[] = {Name.text};
+    static constexpr const char* names[1] = {Name.text};
 
 public:
     LateEntryPoint() : BoundHost(Host::kManagedClass, names) {}

@@ -10,7 +10,3 @@ int fn_conv_py_nullable_to_clr_nullable(PyObject* value, PyNullableArg* arg) {
     arg->has_value = 1;
     return 1;
 }
-
-PyObject* fn_py_return_none() {
-    return fn_new_ref(Py_None);
-}

@@ -6,4 +6,6 @@
 int fn_conv_py_nullable_to_clr_nullable(PyObject* value, PyNullableArg* arg);
 
 /// None, as a new reference.
-PyObject* fn_py_return_none();
+[[nodiscard]] inline PyObject* fn_py_return_none() {
+    return fn_new_ref(Py_None);
+}

@@ -37,8 +37,11 @@ int fail(const char* message) {
 
 }  // namespace
 
+// NOLINTBEGIN(performance-unnecessary-value-param): the texts are the call's own for as long as the runtime
+// starts, and it runs once a process.
 int initialize_clr_host(std::string netcore_version, const char* assembly_name, bool debug,
                         std::string family, std::string product) {
+    // NOLINTEND(performance-unnecessary-value-param)
     if (fn_is_bridge_dead()) {
         return fail(ManagedCodeNotAvailable);
     }

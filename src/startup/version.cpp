@@ -50,17 +50,17 @@ PyObject* wrpPye_tpsb_version_tp_richcompare(PyObject* left, PyObject* right, in
     const std::strong_ordering order = parts_of(left) <=> parts_of(right);
     switch (operation) {
         case Py_LT:
-            return PyBool_FromLong(order < 0);
+            return PyBool_FromLong(std::is_lt(order));
         case Py_LE:
-            return PyBool_FromLong(order <= 0);
+            return PyBool_FromLong(std::is_lteq(order));
         case Py_EQ:
-            return PyBool_FromLong(order == 0);
+            return PyBool_FromLong(std::is_eq(order));
         case Py_NE:
-            return PyBool_FromLong(order != 0);
+            return PyBool_FromLong(std::is_neq(order));
         case Py_GT:
-            return PyBool_FromLong(order > 0);
+            return PyBool_FromLong(std::is_gt(order));
         case Py_GE:
-            return PyBool_FromLong(order >= 0);
+            return PyBool_FromLong(std::is_gteq(order));
         default:
             Py_RETURN_NOTIMPLEMENTED;
     }
@@ -118,7 +118,7 @@ PyObject* PyShVersionAttr_Create(int major, int minor, int patch, int sub, const
 int PyShVersionAttr_Compare(const int* reference, PyObject* version) {
     const Parts wanted{reference[0], reference[1], reference[2], reference[3]};
     const std::strong_ordering order = wanted <=> parts_of(version);
-    return order < 0 ? -1 : order > 0 ? 1 : 0;
+    return std::is_lt(order) ? -1 : std::is_gt(order) ? 1 : 0;
 }
 
 PyObject* PyShVersionAttr_GetView(PyObject* version) {

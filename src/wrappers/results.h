@@ -1,5 +1,6 @@
 #pragma once
 
+#include "marshal/nullable.h"
 #include "marshal/records.h"
 #include "startup/cpython.h"
 
@@ -7,11 +8,6 @@
 
 // Managed results as Python objects. Every conversion consumes the managed handle, also when it fails, and
 // gives a new reference or null with an error set. A null handle is None, without a look at the registry.
-
-/// None, with a new reference.
-[[nodiscard]] inline PyObject* fn_py_return_none() {
-    return fn_new_ref(Py_None);
-}
 
 /// A new wrapper of exactly `type` around `handle`, without a run of `tp_init`.
 PyObject* fn_py_clr_type_generic_new(void* handle, PyTypeObject* type);
