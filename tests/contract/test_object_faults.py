@@ -153,6 +153,9 @@ def enum_types(voxlar: Any) -> Iterator[Tuple[str, Any]]:
         yield row.managed_class, getattr(owner, row.name)
 
 
+@pytest.mark.skipif(
+    hasattr(sys, "gettotalrefcount"), reason="a debug interpreter ends the process where another raises SystemError"
+)
 def test_a_failing_question(managed: Any, voxlar: Any) -> None:
     node = voxlar.Node()
     asked = 0
