@@ -59,7 +59,11 @@ int fn_convert_interface_argument(const InterfaceArgument& argument, PyObject* o
         if (argument.invalidate()) {
             return 0;
         }
-        return argument.is_assignable(out) != 0 ? 1 : fn_refuse_argument(argument.name, object);
+        const int fits = argument.is_assignable(out);
+        if (PyErr_Occurred() != nullptr) {
+            return 0;
+        }
+        return fits != 0 ? 1 : fn_refuse_argument(argument.name, object);
     }
     if (argument.take_python_form != nullptr && argument.take_python_form(object, out)) {
         return 1;
@@ -79,8 +83,11 @@ int fn_convert_class_argument(const ClassArgument& argument, PyObject* object, V
         if (argument.invalidate()) {
             return 0;
         }
-        return argument.is_assignable(handle) != 0 ? take(out, kManagedReference, handle)
-                                                   : fn_refuse_argument(argument.name, object);
+        const int fits = argument.is_assignable(handle);
+        if (PyErr_Occurred() != nullptr) {
+            return 0;
+        }
+        return fits != 0 ? take(out, kManagedReference, handle) : fn_refuse_argument(argument.name, object);
     }
     return fn_take_list(object, out) ? 1 : fn_refuse_argument(argument.name, object);
 }

@@ -60,7 +60,17 @@ PyObject* list_item(PyObject* list, int index, int* status) {
     if (item == nullptr) {
         *status = pending_status();
     }
-    return item;
+    return fn_new_xref(item);
+}
+
+int release_list_item(PyObject* item) {
+    const bool is_last = Py_REFCNT(item) == 1;
+    Py_DECREF(item);
+    if (is_last) {
+        PyErr_SetString(PyExc_RuntimeError, "the list lost an item while it was read");
+        return kError;
+    }
+    return kDone;
 }
 
 PyObject* sequence_item(PyObject* sequence, int index, int* status) {
@@ -189,12 +199,8 @@ int fn_clbk_ucol_get_unicode_bytes(PyObject* text, PyObject** keeper, int* count
 }
 
 int fn_clbk_olist_get_item(PyObject* list, int index, VariantArg* value) {
-    int status = kDone;
-    PyObject* item = python_collections::list_item(list, index, &status);
-    if (item == nullptr) {
-        return status;
-    }
-    return fn_conv_py_variant_to_clr_variant(item, value) != 0 ? kDone : kError;
+    return python_collections::read_list_item(
+        list, index, [value](PyObject* item) { return fn_conv_py_variant_to_clr_variant(item, value); });
 }
 
 int fn_clbk_olist_set_item(PyObject* list, int index, PyObject* value) {

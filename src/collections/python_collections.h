@@ -87,8 +87,18 @@ int fn_clbk_oseq_index_of(PyObject* sequence, PyObject* value);
 
 namespace python_collections {
 
-/// The item of a list at an index, borrowed; null with `*status` set.
+/// Reads the item of a list at an index into a record that goes on borrowing from the list: 0, or the status
+/// of what failed. A conversion may run Python code that takes the item out of its list, so the item is held
+/// meanwhile; when nobody else holds it any more, that is RuntimeError.
+template <class Convert>
+int read_list_item(PyObject* list, int index, Convert convert);
+
+/// The item of a list at an index, as a new reference; null with `*status` set.
 PyObject* list_item(PyObject* list, int index, int* status);
+
+/// Gives a reference back that held an item over its conversion: 0, or -1 with RuntimeError when it was the
+/// last.
+int release_list_item(PyObject* item);
 
 /// The item of a sequence at an index, as a new reference; null with `*status` set.
 PyObject* sequence_item(PyObject* sequence, int index, int* status);
@@ -99,5 +109,19 @@ PyObject* next_item(PyObject* iterator, int* status);
 /// Calls the list's `remove`: 1 removed, 0 absent (with ValueError pending), -1 another error. Takes the
 /// element.
 int remove_from_list(PyObject* list, PyObject* value);
+
+template <class Convert>
+int read_list_item(PyObject* list, int index, Convert convert) {
+    int status = 0;
+    PyObject* item = list_item(list, index, &status);
+    if (item == nullptr) {
+        return status;
+    }
+    if (convert(item) == 0) {
+        Py_DECREF(item);
+        return -1;
+    }
+    return release_list_item(item);
+}
 
 }  // namespace python_collections

@@ -27,13 +27,10 @@ struct TypedCallbacks {
     }
 
     static int list_get_item(PyObject* list, int index, T* value) {
-        int status = 0;
-        PyObject* item = python_collections::list_item(list, index, &status);
-        if (item == nullptr) {
-            return status;
-        }
-        *value = T{};
-        return Element::convert(item, value) != 0 ? 0 : -1;
+        return python_collections::read_list_item(list, index, [value](PyObject* item) {
+            *value = T{};
+            return Element::convert(item, value);
+        });
     }
 
     static int sequence_get_item(PyObject* sequence, int index, PyObject** keeper, T* value) {

@@ -106,6 +106,9 @@ int fn_catch_and_clear_py_error(PyObject** text, PyStringArg* value) {
 }
 
 PyObject* fn_conv_clr_string_to_py_unraisable(const char16_t* text, int length) {
+    if (length == -1) {
+        return fn_new_ref(Py_None);
+    }
     PyObject* result = fn_conv_clr_string_to_py_string_value(reinterpret_cast<const char*>(text), length);
     if (result == nullptr && PyErr_Occurred() != nullptr) {
         PyErr_WriteUnraisable(PyWrpIdTraceBack_FormatExceptionWarning);

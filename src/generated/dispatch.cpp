@@ -1,9 +1,7 @@
 #include "generated/dispatch.h"
 
-#include "generated/arguments.h"
 #include "wrappers/markers.h"
 
-#include <array>
 #include <vector>
 
 namespace {
@@ -77,36 +75,52 @@ Look look_at(const ParameterSpec& parameter, PyObject* value) {
     return Look::unknown;
 }
 
+/// The value that a call gives for the parameter at `index`, borrowed; null when there is none.
+PyObject* given_value(const OverloadRow& row, std::size_t index, PyObject* args, PyObject* kwargs) {
+    if (index < static_cast<std::size_t>(PyTuple_GET_SIZE(args))) {
+        return PyTuple_GET_ITEM(args, static_cast<Py_ssize_t>(index));
+    }
+    if (kwargs == nullptr) {
+        return nullptr;
+    }
+    if (row.interned[index] == nullptr) {
+        row.interned[index] = PyUnicode_InternFromString(row.parameters[index].name);
+    }
+    PyObject* value =
+        row.interned[index] == nullptr ? nullptr : PyDict_GetItemWithError(kwargs, row.interned[index]);
+    if (value == nullptr) {
+        PyErr_Clear();
+    }
+    return value;
+}
+
+/// The parse converts in the parameters' order and stops at the first that is missing or refused; superfluous
+/// keywords come last. So a refusal is certain only as long as no look before it was unsure: such a value is
+/// shown to the managed side first.
 Look look_at_overload(const OverloadRow& row, PyObject* args, PyObject* kwargs) {
     const auto positional = static_cast<std::size_t>(PyTuple_GET_SIZE(args));
-    const auto keyed = kwargs == nullptr ? 0 : static_cast<std::size_t>(PyDict_GET_SIZE(kwargs));
-    if (positional + keyed != row.count) {
+    const auto given =
+        positional + (kwargs == nullptr ? 0 : static_cast<std::size_t>(PyDict_GET_SIZE(kwargs)));
+    if (given > row.count) {
         return Look::no;
     }
-    std::array<PyObject*, max_parameters> found;
-    PyObject** values = found.data();
-    if (keyed == 0) {
-        values = reinterpret_cast<PyTupleObject*>(args)->ob_item;
-    } else {
-        std::array<const char*, max_parameters> names;
-        for (std::size_t i = 0; i < row.count; ++i) {
-            names[i] = row.parameters[i].name;
+    bool unsure = false;
+    std::size_t found = 0;
+    for (; found < row.count; ++found) {
+        PyObject* value = given_value(row, found, args, kwargs);
+        if (value == nullptr) {
+            break;
         }
-        if (!fn_find_arguments(args, kwargs, names.data(), row.interned, row.count, values)) {
-            return Look::no;
-        }
-    }
-    Look overall = Look::yes;
-    for (std::size_t i = 0; i < row.count; ++i) {
-        const Look look = look_at(row.parameters[i], values[i]);
+        const Look look = look_at(row.parameters[found], value);
         if (look == Look::no) {
-            return Look::no;
+            break;
         }
-        if (look == Look::unknown) {
-            overall = Look::unknown;
-        }
+        unsure |= look == Look::unknown;
     }
-    return overall;
+    if (unsure) {
+        return Look::unknown;
+    }
+    return found == row.count && given == row.count ? Look::yes : Look::no;
 }
 
 /// The overload that the told way would reach, when looks alone can tell; null otherwise.

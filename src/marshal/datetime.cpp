@@ -50,10 +50,8 @@ int refuse_naive(const char* type_name) {
 }  // namespace
 
 bool fn_import_datetime_api() {
-    // The capsule's table is static data of the interpreter: once fetched it stays good.
-    if (PyDateTimeAPI == nullptr) [[unlikely]] {
-        PyDateTimeAPI = static_cast<PyDateTime_CAPI*>(PyCapsule_Import(PyDateTime_CAPSULE_NAME, 0));
-    }
+    // Fetched each time: a module that is gone shows as an error, not as a table that nobody keeps.
+    PyDateTimeAPI = static_cast<PyDateTime_CAPI*>(PyCapsule_Import(PyDateTime_CAPSULE_NAME, 0));
     return PyDateTimeAPI != nullptr;
 }
 

@@ -490,7 +490,11 @@ int wrpPye_conv_py_to_clr_stream(PyObject* value, VariantArg* arg) {
             return 0;
         }
         arg->kind = 0;
-        return stream_host().btp_IsAssignable(arg->payload) != 0 ? 1 : refuse_stream(value);
+        const int fits = stream_host().btp_IsAssignable(arg->payload);
+        if (PyErr_Occurred() != nullptr) {
+            return 0;
+        }
+        return fits != 0 ? 1 : refuse_stream(value);
     }
     switch (is_python_stream(value)) {
         case -1:

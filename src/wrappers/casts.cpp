@@ -2,8 +2,8 @@
 
 namespace casts_detail {
 
-PyObject* finish_type(int status, void* type) {
-    if (status == 0 && PyErr_Occurred() != nullptr) {
+PyObject* finish_type(void* type) {
+    if (PyErr_Occurred() != nullptr) {
         return nullptr;
     }
     return wrpPyl_convcaps_clr_to_py_C08ECFAB_Type(type);

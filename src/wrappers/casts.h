@@ -21,13 +21,13 @@
 
 namespace casts_detail {
 
-/// Ends a call that answered with a status and a handle of a System.Type.
-PyObject* finish_type(int status, void* type);
+/// Ends a call that gave a handle of a System.Type, unless it left an error.
+PyObject* finish_type(void* type);
 
 /// Ends a cast: `wrap` runs only when the status tells that the cast succeeded.
 template <typename Wrap>
 PyObject* finish_cast(int status, Wrap wrap) {
-    if (status == -1 && PyErr_Occurred() != nullptr) {
+    if (PyErr_Occurred() != nullptr) {
         return nullptr;
     }
     if (status == 0) {
@@ -88,8 +88,8 @@ struct CastsBase {
             return nullptr;
         }
         void* type = nullptr;
-        const int status = Host::get_instance().btp_TypeOf(&type);
-        return casts_detail::finish_type(status, type);
+        Host::get_instance().btp_TypeOf(&type);
+        return casts_detail::finish_type(type);
     }
 
     static PyObject* cast_to(PyObject*, PyObject* object) {
@@ -143,8 +143,8 @@ struct CastsBase {
             return nullptr;
         }
         typename Value::Out out{};
-        const int status = Host::get_instance().btp_ReInterpretObj(handle, Value::target(out));
-        if (status == 0 && PyErr_Occurred() != nullptr) {
+        Host::get_instance().btp_ReInterpretObj(handle, Value::target(out));
+        if (PyErr_Occurred() != nullptr) {
             return nullptr;
         }
         return Value::wrap(out);
@@ -219,8 +219,8 @@ struct StaticClassCasts {
             return nullptr;
         }
         void* type = nullptr;
-        const int status = Host::get_instance().btp_TypeOf(&type);
-        return casts_detail::finish_type(status, type);
+        Host::get_instance().btp_TypeOf(&type);
+        return casts_detail::finish_type(type);
     }
     static PyObject* cast_to(PyObject*, PyObject*) { return PyShCastOpResult_New(0, nullptr); }
     static PyObject* cast_as(PyObject*, PyObject*) { return PyShCastOpResult_New(0, nullptr); }
@@ -252,8 +252,8 @@ struct EnumCasts : CastsBase<Host, EnumValue<Number, Wrap>, Invalidate, HandleAr
             return nullptr;
         }
         void* out = nullptr;
-        const int status = Host::get_instance().btp_AsUniEnum(value, &out);
-        if (status == 0 && PyErr_Occurred() != nullptr) {
+        Host::get_instance().btp_AsUniEnum(value, &out);
+        if (PyErr_Occurred() != nullptr) {
             return nullptr;
         }
         return wrpPyl_convcaps_clr_to_py_738AFABA_Enum(out);
@@ -265,8 +265,8 @@ struct EnumCasts : CastsBase<Host, EnumValue<Number, Wrap>, Invalidate, HandleAr
             return nullptr;
         }
         void* out = nullptr;
-        const int status = Host::get_instance().btp_GetType(value, &out);
-        return casts_detail::finish_type(status, out);
+        Host::get_instance().btp_GetType(value, &out);
+        return casts_detail::finish_type(out);
     }
 
 private:

@@ -26,7 +26,11 @@ int ask_managed(PyObject* value, VariantArg* out, const DeclaredType& declared,
         if (declared.invalidate()) {
             return 0;
         }
-        if (is_assignable(out) != 0) {
+        const bool fits = is_assignable(out) != 0;
+        if (PyErr_Occurred() != nullptr) {
+            return 0;
+        }
+        if (fits) {
             return 1;
         }
     }
@@ -102,7 +106,11 @@ int class_slow(PyObject* value, void** out, const DeclaredType& declared, int (*
         if (declared.invalidate()) {
             return 0;
         }
-        if (is_assignable(*out) != 0) {
+        const bool fits = is_assignable(*out) != 0;
+        if (PyErr_Occurred() != nullptr) {
+            return 0;
+        }
+        if (fits) {
             return 1;
         }
     }

@@ -54,9 +54,7 @@ Answer is_instance_of(PyObject* value, const StandardModule& module, PyObject* c
 }
 
 bool import_datetime_capsule() {
-    if (PyDateTimeAPI == nullptr) {
-        PyDateTime_IMPORT;
-    }
+    PyDateTime_IMPORT;
     return PyDateTimeAPI != nullptr;
 }
 

@@ -234,6 +234,18 @@ def test_an_offset_of_a_subclass_that_lies(managed: Any, voxlar: Any) -> None:
     assert set_time(managed, voxlar, moment) == (1, ticks(datetime(2019, 12, 31, 21, 59, 59, 999999)))
 
 
+def test_the_interface_of_datetime_is_fetched_each_time(managed: Any, voxlar: Any, monkeypatch: Any) -> None:
+    moment = datetime(2020, 1, 1)
+    assert set_time(managed, voxlar, moment)
+    monkeypatch.delattr("datetime.datetime_CAPI")
+    with pytest.raises(AttributeError, match="datetime_CAPI"):
+        set_time(managed, voxlar, moment)
+    with pytest.raises(AttributeError, match="datetime_CAPI"):
+        voxlar.Node().set_property("p", moment)
+    monkeypatch.undo()
+    assert set_time(managed, voxlar, moment)
+
+
 @pytest.mark.parametrize("value", [5, "2020-01-01", timedelta(1), 1.5])
 def test_what_is_no_time(managed: Any, voxlar: Any, value: Any) -> None:
     with pytest.raises(TypeError) as caught:

@@ -135,6 +135,31 @@ def test_the_first_overload_that_accepts_is_called(managed: Any, voxlar: Any) ->
         "call_001_RemoveProperty", "call_001_RemoveProperty", "call_000_RemoveProperty"]  # fmt: skip
 
 
+def test_an_overload_is_not_passed_over_before_its_first_values_are_asked_about(managed: Any, voxlar: Any) -> None:
+    mesh = voxlar.entities.Mesh.__new__(voxlar.entities.Mesh)
+    # (declaration, mesh) comes first: whether a mesh is a declaration only the managed side can say.
+    made = voxlar.entities.TriMesh.from_mesh(mesh, True)
+    assert made is not None and [name for _, name, _ in managed.calls] == ["btp_IsAssignable", "call_001_FromMesh"]
+    # Too many arguments are refused before any of them is looked at.
+    managed.calls.clear()
+    with pytest.raises(TypeError):
+        voxlar.entities.TriMesh.from_mesh(mesh, mesh, mesh, mesh)
+    assert managed.calls == []
+
+
+@pytest.mark.parametrize("status", [0, 1, 5])
+def test_a_cast_that_fails_with_any_status_raises_what_it_left(managed: Any, voxlar: Any, status: int) -> None:
+    node = voxlar.Node()
+    for entry, call in (
+        ("btp_CastTo", lambda: voxlar.Node._cast_to(node)),
+        ("btp_CastAs", lambda: voxlar.Node._cast_as(node)),
+        ("btp_TypeOf", voxlar.Node._type_of),
+    ):
+        managed.fail("Node", entry, KeyError(entry), result=status)
+        with pytest.raises(KeyError, match=entry):
+            call()
+
+
 def test_all_refusals_stand_in_one_list(managed: Any, voxlar: Any) -> None:
     with pytest.raises(TypeError) as caught:
         voxlar.Node().remove_property(prop=1)

@@ -61,9 +61,25 @@ internal static unsafe class Errors
             return new PythonException("A Python callback failed and left no text.");
         }
 
-        string text = Strings.Read(&value) ?? "";
+        return Taken(owner, &value);
+    }
+
+    private static PythonException Taken(PyObject* owner, PyStringArg* value)
+    {
+        string text = Strings.Read(value) ?? "";
         PyCallbacks.fn_xdec_ref(owner);
         return new PythonException(text);
+    }
+
+    /// <summary>Throws when a Python error is pending, for a callback that has no status.</summary>
+    public static void CheckPending()
+    {
+        PyObject* owner = null;
+        PyStringArg value = default;
+        if (PyCallbacks.fn_catch_and_clear_py_error(&owner, &value) == 0)
+        {
+            throw Taken(owner, &value);
+        }
     }
 
     /// <summary>Throws when a callback's status says that a Python error is pending.</summary>

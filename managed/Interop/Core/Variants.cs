@@ -46,6 +46,7 @@ internal static unsafe class Variants
             case ValueKind.Guid:
                 byte* bytes = stackalloc byte[16];
                 PyCallbacks.fn_read_py_guid(python, bytes);
+                Errors.CheckPending();
                 return new Guid(new ReadOnlySpan<byte>(bytes, 16));
             case ValueKind.List:
                 return new PyListProxy<object?>(python, Elements.Object);
@@ -55,6 +56,13 @@ internal static unsafe class Variants
                 throw new ArgumentException($"A value of kind {value->Kind} is unknown.");
         }
     }
+
+    /// <summary>
+    /// Whether the value is read by methods of the Python object, which may do anything: decimals, dates, times and
+    /// identifiers.
+    /// </summary>
+    public static bool ReadRunsPython(VariantArg* value) =>
+        (ValueKind)value->Kind is >= ValueKind.Decimal and <= ValueKind.Guid;
 
     /// <summary>
     /// A new Python object for the value; null with the Python error pending when it cannot be made. A value

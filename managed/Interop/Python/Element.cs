@@ -130,6 +130,23 @@ internal abstract unsafe class Element<T>
     protected static int Length(nint length) => length < 0 ? throw Errors.TakePending() : checked((int)length);
 }
 
+/// <summary>
+/// Holds an item of a Python list while it is read by code of Python's, which may take it out of the list that alone
+/// keeps it.
+/// </summary>
+internal readonly unsafe ref struct HeldItem
+{
+    private readonly PyObject* _item;
+
+    public HeldItem(PyObject* item)
+    {
+        PyCallbacks.fn_xinc_ref(item);
+        _item = item;
+    }
+
+    public void Dispose() => PyCallbacks.fn_xdec_ref(_item);
+}
+
 /// <summary>Room for the largest record that a callback fills in.</summary>
 internal struct Room
 {
@@ -153,6 +170,12 @@ internal class OpenElement<T> : Element<T>
     {
         VariantArg value = default;
         Elements.CheckIndexed(PyCallbacks.fn_clbk_olist_get_item(list, index, &value));
+        if (!Variants.ReadRunsPython(&value))
+        {
+            return FromValue(&value);
+        }
+
+        using HeldItem held = new((PyObject*)value.Payload);
         return FromValue(&value);
     }
 
@@ -373,7 +396,17 @@ internal sealed unsafe class Int32ArrayElement : WritableElement<int[]?>
     {
     }
 
-    protected override int[]? FromRecord(void* record) => In.Array((VariantArg*)record, Elements.Int32);
+    protected override int[]? FromRecord(void* record)
+    {
+        VariantArg* value = (VariantArg*)record;
+        if ((ReferenceKind)value->Kind is not (ReferenceKind.Python or ReferenceKind.Sequence))
+        {
+            return In.Array(value, Elements.Int32);
+        }
+
+        using HeldItem held = new((PyObject*)value->Payload);
+        return In.Array(value, Elements.Int32);
+    }
 
     protected override void* ToHandle(int[]? value) => Out.Class(value);
 }

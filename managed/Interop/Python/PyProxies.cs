@@ -23,9 +23,10 @@ internal sealed unsafe class PyReference
     /// <summary>Takes a reference of its own; runs during a call from Python.</summary>
     public PyReference(PyObject* python)
     {
-        PendingReleases.GiveBack();
+        // Its own reference first: giving others back may run code that drops the one which was lent.
         PyCallbacks.fn_xinc_ref(python);
         _python = python;
+        PendingReleases.GiveBack();
     }
 
     ~PyReference() => PendingReleases.Add(_python);

@@ -44,6 +44,7 @@ internal sealed class NativeProperty : Property
             Vector3 v when target == typeof(FVector3) => new FVector3(v),
             Vector4 v when target == typeof(FVector4) => new FVector4(v),
             IConvertible number when IsNumber(target) && IsNumber(value.GetType()) => Number(number, target),
+            IConvertible number when target.IsEnum && IsNumber(value.GetType()) => Member(number, target),
             _ => null,
         };
         return converted ?? throw new ArgumentException(
@@ -56,11 +57,25 @@ internal sealed class NativeProperty : Property
     {
         try
         {
-            return number.ToType(target, CultureInfo.InvariantCulture);
+            object converted = number.ToType(target, CultureInfo.InvariantCulture);
+            if (IsWhole(target) && number is double or float && Convert.ToDouble(converted, CultureInfo.InvariantCulture)
+                != number.ToDouble(CultureInfo.InvariantCulture))
+                throw new ArgumentException($"The property '{Name}' takes a {target.Name}; {number} is no whole number.");
+            return converted;
         }
         catch (OverflowException)
         {
-            throw new ArgumentException($"The property '{Name}' takes a {target.Name}; {number} is too large.");
+            throw new ArgumentException($"The property '{Name}' takes a {target.Name}; {number} is out of its range.");
         }
     }
+
+    // A member by its number: that is how one comes from where the enum is not known.
+    private object Member(IConvertible number, Type target)
+    {
+        object member = Enum.ToObject(target, Number(number, Enum.GetUnderlyingType(target)));
+        bool known = Enum.IsDefined(target, member) || target.IsDefined(typeof(FlagsAttribute), inherit: false);
+        return known ? member : throw new ArgumentException($"The property '{Name}' takes a {target.Name}; none is {number}.");
+    }
+
+    private static bool IsWhole(Type type) => type != typeof(double) && type != typeof(float);
 }

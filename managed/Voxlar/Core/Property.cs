@@ -57,6 +57,7 @@ public abstract class Property : VbrObject
         return anim.GetKeyframeSequence(Owner, Name, create);
     }
 
-    /// <summary>The name and the value.</summary>
-    public override string ToString() => $"{Name} = {Value ?? "null"}";
+    /// <summary>The name and the value; a value that is itself a property is told by its name alone, since
+    /// properties may hold each other.</summary>
+    public override string ToString() => $"{Name} = {(Value is Property other ? other.Name : Value ?? "null")}";
 }

@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using System.Linq;
 using Velbor.Voxlar.Utilities;
 
 namespace Velbor.Voxlar.Entities;
@@ -78,6 +79,9 @@ public class CompositeCurve : Curve
         }
         return result;
     }
+
+    internal override bool IsMadeOf(Curve other) =>
+        base.IsMadeOf(other) || Segments.Any(segment => segment.Curve is not null && segment.Checked.IsMadeOf(other));
 
     private (Segment Segment, double Share) Locate(double parameter)
     {

@@ -85,6 +85,19 @@ public abstract class Curve : Entity
         double Distance(double parameter) => (PointAt(parameter) - point).Length2;
     }
 
+    /// <summary>Whether this curve is the other one or is made of it.</summary>
+    internal virtual bool IsMadeOf(Curve other) => ReferenceEquals(this, other);
+
+    /// <summary>Takes a curve that this one is to be made of.</summary>
+    /// <exception cref="ArgumentException">It is made of this one.</exception>
+    private protected Curve? Basing(Curve? basis)
+    {
+        RuntimeHelpers.EnsureSufficientExecutionStack();
+        return basis is not null && basis.IsMadeOf(this)
+            ? throw new ArgumentException("A curve cannot be a part of itself.", nameof(basis))
+            : basis;
+    }
+
     /// <summary>Gives a curve that this one is made of.</summary>
     /// <param name="part">The curve, or null.</param>
     /// <exception cref="InvalidOperationException">There is none.</exception>

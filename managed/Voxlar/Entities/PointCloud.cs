@@ -45,6 +45,8 @@ public class PointCloud : Geometry
     /// </summary>
     /// <param name="g">The geometry.</param>
     /// <param name="density">The number of points for each unit of area, at least 1.</param>
+    /// <exception cref="ArgumentOutOfRangeException">The density is below 1, or more than 100 million points would
+    /// be made.</exception>
     public static PointCloud FromGeometry(Geometry g, int density)
     {
         ArgumentNullException.ThrowIfNull(g);

@@ -98,7 +98,10 @@ public class PolygonModifier
         ArgumentNullException.ThrowIfNull(nodes);
         MeshMerger merger = new();
         foreach (Node node in nodes)
+        {
+            ArgumentNullException.ThrowIfNull(node, nameof(nodes));
             merger.Add(node);
+        }
         return merger.Merge();
     }
 

@@ -7,6 +7,9 @@ namespace Velbor.Voxlar.Entities;
 /// <summary>Spreads points over a surface.</summary>
 internal static class SurfaceSampler
 {
+    // What a cloud of points can hold in a few gigabytes; more is a density in the wrong unit.
+    private const double MostPoints = 100_000_000;
+
     /// <summary>
     /// Gives points in proportion to the area. What is left over of a point in one triangle counts in the
     /// next, so that small triangles get their share too.
@@ -17,12 +20,18 @@ internal static class SurfaceSampler
         long taken = 0;
         List<int> triangles = MeshTriangles.Cut(mesh).Corners;
         ReadOnlySpan<int> corners = mesh.PolygonStore.Corners;
+        double wanted = 0;
         for (int i = 0; i < triangles.Count; i += 3)
         {
-            Vector3 a = new(mesh.ControlPointList[corners[triangles[i]]]);
-            Vector3 b = new(mesh.ControlPointList[corners[triangles[i + 1]]]);
-            Vector3 c = new(mesh.ControlPointList[corners[triangles[i + 2]]]);
-            due += (b - a).Cross(c - a).Length / 2 * density;
+            (Vector3 a, Vector3 b, Vector3 c) = CornersAt(mesh, corners, triangles, i);
+            wanted += AreaOf(a, b, c) * density;
+        }
+        if (wanted > MostPoints)
+            throw new ArgumentOutOfRangeException(nameof(density), density, $"{wanted:0} points are too many.");
+        for (int i = 0; i < triangles.Count; i += 3)
+        {
+            (Vector3 a, Vector3 b, Vector3 c) = CornersAt(mesh, corners, triangles, i);
+            due += AreaOf(a, b, c) * density;
             for (; due >= 1; --due, ++taken)
             {
                 // A sequence of the plastic number fills the unit square evenly; folding it gives the
@@ -35,6 +44,14 @@ internal static class SurfaceSampler
             }
         }
     }
+
+    private static (Vector3 A, Vector3 B, Vector3 C) CornersAt(
+        Mesh mesh, ReadOnlySpan<int> corners, List<int> triangles, int at) => (
+        new(mesh.ControlPointList[corners[triangles[at]]]),
+        new(mesh.ControlPointList[corners[triangles[at + 1]]]),
+        new(mesh.ControlPointList[corners[triangles[at + 2]]]));
+
+    private static double AreaOf(Vector3 a, Vector3 b, Vector3 c) => (b - a).Cross(c - a).Length / 2;
 
     private static double Fraction(double value) => value - Math.Floor(value);
 }

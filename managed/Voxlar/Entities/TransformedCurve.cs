@@ -28,13 +28,21 @@ public class TransformedCurve : Curve
     public Matrix4 TransformMatrix { get; set; } = Matrix4.Identity;
 
     /// <summary>The curve it is made of.</summary>
-    public Curve? BasisCurve { get; set; }
+    /// <exception cref="System.ArgumentException">The curve is made of this one.</exception>
+    public Curve? BasisCurve
+    {
+        get;
+        set => field = Basing(value);
+    }
 
     internal override double Begin => Basis.Begin;
 
     internal override double End => Basis.End;
 
     internal override double Period => Basis.Period;
+
+    internal override bool IsMadeOf(Curve other) =>
+        base.IsMadeOf(other) || (BasisCurve is not null && Basis.IsMadeOf(other));
 
     private Curve Basis => Part(BasisCurve);
 

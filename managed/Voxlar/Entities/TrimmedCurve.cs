@@ -18,7 +18,12 @@ public class TrimmedCurve : Curve
     }
 
     /// <summary>The curve it is a part of.</summary>
-    public Curve? BasisCurve { get; set; }
+    /// <exception cref="System.ArgumentException">The curve is made of this one.</exception>
+    public Curve? BasisCurve
+    {
+        get;
+        set => field = Basing(value);
+    }
 
     /// <summary>Where the part begins.</summary>
     public EndPoint First { get; set; }
@@ -34,6 +39,9 @@ public class TrimmedCurve : Curve
     internal override double Begin => 0;
 
     internal override double End => 1;
+
+    internal override bool IsMadeOf(Curve other) =>
+        base.IsMadeOf(other) || (BasisCurve is not null && Basis.IsMadeOf(other));
 
     private Curve Basis => Part(BasisCurve);
 

@@ -61,7 +61,7 @@ internal static class GltfExtensionData
         foreach (Property property in source.Properties)
         {
             if (IsData(property))
-                document.AddExtension(json, property.Name, GltfValues.ToJson(property.Value)!);
+                document.AddExtension(json, property.Name, GltfValues.ToJson(property)!);
         }
     }
 }

@@ -61,12 +61,12 @@ internal static class GltfExtras
                 continue;
             if (property.Name == GltfNames.Extras)
             {
-                whole = GltfValues.ToJson(property.Value);
+                whole = GltfValues.ToJson(property);
                 continue;
             }
             string name = property.Name.StartsWith(Prefix, StringComparison.Ordinal)
                 ? property.Name[Prefix.Length..] : property.Name;
-            (members ??= [])[name] = GltfValues.ToJson(property.Value);
+            (members ??= [])[name] = GltfValues.ToJson(property);
         }
         if (members is not null && whole is not null)
             members[GltfNames.Extras] = whole;

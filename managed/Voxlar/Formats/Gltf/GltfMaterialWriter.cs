@@ -196,7 +196,7 @@ internal sealed class GltfMaterialWriter
                 continue;
             JsonObject content = ContentOf(json, name);
             if (member.Length > 0 && !member.Contains('.', StringComparison.Ordinal))
-                content[member] = GltfValues.ToJson(property.Value);
+                content[member] = GltfValues.ToJson(property);
         }
         foreach (TextureSlot slot in material)
         {

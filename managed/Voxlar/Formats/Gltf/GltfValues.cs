@@ -45,6 +45,8 @@ internal static class GltfValues
             return small;
         if (value.TryGetInt64(out long large))
             return large;
+        if (value.TryGetUInt64(out ulong largest))
+            return largest;
         return value.GetDouble();
     }
 
@@ -77,8 +79,26 @@ internal static class GltfValues
         return doubles.ToArray();
     }
 
+    // What is nested deeper would not be read again; it also ends the walk over a value that holds itself.
+    private const int Deepest = 64;
+
     /// <summary>The JSON form of a property's value. What JSON has no form for is written as text.</summary>
-    internal static JsonNode? ToJson(object? value) => value switch
+    /// <exception cref="InvalidOperationException">The value cannot be read, or is nested too deep.</exception>
+    internal static JsonNode? ToJson(Property property)
+    {
+        try
+        {
+            return ToJson(property.Value);
+        }
+        catch (Exception e) when (e is not OutOfMemoryException)
+        {
+            throw new InvalidOperationException(
+                $"the value of the property '{property.Name}' of '{property.Owner.Name}': {e.Message}", e);
+        }
+    }
+
+    /// <summary>The same for a value that stands at a depth inside another.</summary>
+    internal static JsonNode? ToJson(object? value, int depth = 0) => value switch
     {
         null => null,
         string text => JsonValue.Create(text),
@@ -91,7 +111,8 @@ internal static class GltfValues
             JsonValue.Create(Convert.ToInt64(value, CultureInfo.InvariantCulture)),
         ulong number => JsonValue.Create(number),
         decimal number => JsonValue.Create(number),
-        DateTime time => JsonValue.Create(time.ToString("o", CultureInfo.InvariantCulture)),
+        DateTime or DateTimeOffset =>
+            JsonValue.Create(((IFormattable)value).ToString("o", CultureInfo.InvariantCulture)),
         Vector2 v => Numbers(v.x, v.y),
         Vector3 v => Numbers(v.x, v.y, v.z),
         Vector4 v => Numbers(v.x, v.y, v.z, v.w),
@@ -100,8 +121,10 @@ internal static class GltfValues
         FVector4 v => Numbers(v.x, v.y, v.z, v.w),
         Quaternion q => Numbers(q.x, q.y, q.z, q.w),
         Matrix4 m => Numbers(m.ToArray()),
-        IDictionary members => Members(members),
-        IEnumerable items => Items(items),
+        IDictionary or IEnumerable when depth == Deepest =>
+            throw new InvalidOperationException($"It is nested more than {Deepest} deep, or holds itself."),
+        IDictionary members => Members(members, depth + 1),
+        IEnumerable items => Items(items, depth + 1),
         _ => JsonValue.Create(Convert.ToString(value, CultureInfo.InvariantCulture)),
     };
 
@@ -131,19 +154,19 @@ internal static class GltfValues
 
     internal static JsonNode Factor(double value) => JsonValue.Create((float)value);
 
-    private static JsonObject Members(IDictionary members)
+    private static JsonObject Members(IDictionary members, int depth)
     {
         var result = new JsonObject();
         foreach (DictionaryEntry member in members)
-            result[Convert.ToString(member.Key, CultureInfo.InvariantCulture)!] = ToJson(member.Value);
+            result[Convert.ToString(member.Key, CultureInfo.InvariantCulture)!] = ToJson(member.Value, depth);
         return result;
     }
 
-    private static JsonArray Items(IEnumerable items)
+    private static JsonArray Items(IEnumerable items, int depth)
     {
         var result = new JsonArray();
         foreach (object? item in items)
-            result.Add(ToJson(item));
+            result.Add(ToJson(item, depth));
         return result;
     }
 }

@@ -102,11 +102,13 @@ public class CurveTests
         composite.AddSegment(composite, true);
         Assert.Throws<InsufficientExecutionStackException>(() => composite.Tessellate());
         TransformedCurve transformed = new();
-        transformed.BasisCurve = transformed;
-        Assert.Throws<InsufficientExecutionStackException>(() => transformed.GetBoundingBox());
-        TrimmedCurve trimmed = new();
-        trimmed.BasisCurve = trimmed;
-        Assert.Throws<InsufficientExecutionStackException>(() => trimmed.PointAt(0));
+        Assert.Throws<ArgumentException>(() => transformed.BasisCurve = transformed);
+        TrimmedCurve trimmed = new() { BasisCurve = transformed };
+        Assert.Throws<ArgumentException>(() => transformed.BasisCurve = trimmed);
+        CompositeCurve around = new();
+        around.AddSegment(trimmed, true);
+        Assert.Throws<ArgumentException>(() => transformed.BasisCurve = around);
+        Assert.Null(transformed.BasisCurve);
     }
 
     [Fact]
