@@ -63,7 +63,8 @@ def read(reader: Any, value: Any) -> Tuple[int, List[int]]:
 
 
 def written(writer: Any, *values: int) -> Any:
-    return writer(ctypes.addressof(TWO(*values)))
+    record = TWO(*values)
+    return writer(ctypes.addressof(record))
 
 
 def test_every_day_there_and_back(side: Side) -> None:
