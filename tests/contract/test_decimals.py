@@ -124,5 +124,6 @@ def test_every_scale_back_to_python(managed: Any, voxlar: Any) -> None:
 def test_what_no_managed_decimal_can_hold(managed: Any, voxlar: Any, value: Decimal, error: str) -> None:
     read = callback(managed, READ_TABLE, READ_DECIMAL, ctypes.c_int, ctypes.py_object, ctypes.c_void_p)
     with pytest.raises(OverflowError) as caught:
-        read(value, ctypes.addressof(Words()))
+        words = Words()
+        read(value, ctypes.addressof(words))
     assert str(caught.value) == error
