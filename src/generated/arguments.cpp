@@ -1,5 +1,16 @@
 #include "generated/arguments.h"
 
+PyObject* fn_find_keyword(PyObject* kwargs, const char* text, PyObject** interned) {
+    if (*interned == nullptr) {
+        *interned = PyUnicode_InternFromString(text);
+    }
+    PyObject* value = *interned == nullptr ? nullptr : PyDict_GetItemWithError(kwargs, *interned);
+    if (value == nullptr) {
+        PyErr_Clear();
+    }
+    return value;
+}
+
 bool fn_find_arguments(PyObject* args, PyObject* kwargs, const char* const* texts, PyObject** interned,
                        std::size_t count, PyObject** found) {
     const auto positional = static_cast<std::size_t>(PyTuple_GET_SIZE(args));
@@ -12,12 +23,8 @@ bool fn_find_arguments(PyObject* args, PyObject* kwargs, const char* const* text
     }
     // Each remaining parameter once, and as many keywords as remain: nothing unknown and nothing given twice.
     for (std::size_t i = positional; i < count; ++i) {
-        if (interned[i] == nullptr) {
-            interned[i] = PyUnicode_InternFromString(texts[i]);
-        }
-        found[i] = interned[i] == nullptr ? nullptr : PyDict_GetItemWithError(kwargs, interned[i]);
+        found[i] = fn_find_keyword(kwargs, texts[i], &interned[i]);
         if (found[i] == nullptr) {
-            PyErr_Clear();
             return false;
         }
     }

@@ -11,8 +11,6 @@
 // writes them. The fast way accepts exactly what the parse would accept, and a converter that refuses leaves
 // the same exception on both.
 
-constexpr std::size_t max_parameters = 16;
-
 /// The keywords of one overload. The interned texts are made at the first call by keyword and live with the
 /// process.
 template <std::size_t N>
@@ -20,6 +18,10 @@ struct ParameterNames {
     std::array<const char*, N + 1> texts;
     std::array<PyObject*, N> interned{};
 };
+
+/// The value of one keyword in a dictionary, borrowed; null without an error when there is none. The keyword
+/// is interned at the first call and kept in `*interned`.
+PyObject* fn_find_keyword(PyObject* kwargs, const char* text, PyObject** interned);
 
 /// Finds each of `count` parameters once in a positional tuple and a keyword dictionary (null or not). True
 /// when every parameter is there and nothing else is; `found` then holds borrowed references. No error is
@@ -85,7 +87,7 @@ template <std::size_t N, class... Arguments>
 [[gnu::always_inline]] inline bool fn_parse_arguments(PyObject* args, PyObject* kwargs,
                                                       ParameterNames<N>& names,
                                                       const Arguments&... arguments) {
-    static_assert(N == sizeof...(Arguments) && N > 0 && N <= max_parameters);
+    static_assert(N == sizeof...(Arguments) && N > 0);
     if (kwargs == nullptr && PyTuple_GET_SIZE(args) == static_cast<Py_ssize_t>(N)) [[likely]] {
         Py_ssize_t position = 0;
         return (arguments.take(PyTuple_GET_ITEM(args, position++)) && ...);

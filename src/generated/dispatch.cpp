@@ -1,5 +1,6 @@
 #include "generated/dispatch.h"
 
+#include "generated/arguments.h"
 #include "wrappers/markers.h"
 
 #include <vector>
@@ -83,15 +84,7 @@ PyObject* given_value(const OverloadRow& row, std::size_t index, PyObject* args,
     if (kwargs == nullptr) {
         return nullptr;
     }
-    if (row.interned[index] == nullptr) {
-        row.interned[index] = PyUnicode_InternFromString(row.parameters[index].name);
-    }
-    PyObject* value =
-        row.interned[index] == nullptr ? nullptr : PyDict_GetItemWithError(kwargs, row.interned[index]);
-    if (value == nullptr) {
-        PyErr_Clear();
-    }
-    return value;
+    return fn_find_keyword(kwargs, row.parameters[index].name, &row.interned[index]);
 }
 
 /// The parse converts in the parameters' order and stops at the first that is missing or refused; superfluous

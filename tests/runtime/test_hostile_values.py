@@ -13,6 +13,8 @@ from velbor.voxlar import Node, Scene
 from velbor.voxlar.entities import Box, Light, Mesh, PointCloud, PolygonModifier, TransformedCurve, TrimmedCurve
 from velbor.voxlar.utilities import Vector4
 
+pytestmark = pytest.mark.usefixtures("no_handle_is_left")
+
 
 class Emptier(int):
     """An int that empties a list when it is asked what it is."""

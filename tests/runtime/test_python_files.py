@@ -12,7 +12,7 @@ import threading
 import weakref
 import zipfile
 from pathlib import Path
-from typing import Any, Callable, Iterator
+from typing import Any, Callable
 
 import pytest
 from velbor import pygc
@@ -371,18 +371,7 @@ def test_a_buffered_file_over_a_managed_stream(format_: FileFormat, path: Path, 
     assert told(by_stream) == told(by_path)
 
 
-@pytest.fixture
-def nothing_kept() -> Iterator[None]:
-    gc.collect()
-    pygc.collect()
-    before = pygc.living_handles()
-    yield
-    gc.collect()
-    pygc.collect()
-    assert pygc.living_handles() == before
-
-
-def test_files_are_let_go(nothing_kept: None, format_: FileFormat, path: Path) -> None:
+def test_files_are_let_go(no_handle_is_left: None, format_: FileFormat, path: Path) -> None:
     kept = []
     for failing in (False, True):
         file = Failing(path.read_bytes(), "readinto", 1 if failing else 10**9, OSError("torn"))

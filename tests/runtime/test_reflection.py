@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import gc
 import io
 import sys
 import zipfile
@@ -15,13 +14,7 @@ from velbor import pygc, pyreflection
 Enum, Object, Type = pyreflection.Enum, pyreflection.Object, pyreflection.Type
 
 
-@pytest.fixture(autouse=True)
-def no_handle_is_left() -> object:
-    gc.collect()
-    before = pygc.living_handles()
-    yield
-    gc.collect()
-    assert pygc.living_handles() == before
+pytestmark = pytest.mark.usefixtures("no_handle_is_left")
 
 
 def test_a_type_tells_what_it_is() -> None:

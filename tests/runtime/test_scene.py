@@ -3,13 +3,12 @@
 from __future__ import annotations
 
 import datetime
-import gc
 import io
 import uuid
 import zipfile
 from decimal import Decimal
 from pathlib import Path
-from typing import Any, Iterator
+from typing import Any
 
 import pytest
 import velbor
@@ -46,16 +45,7 @@ from velbor.voxlar.utilities import (
 )
 
 
-@pytest.fixture(autouse=True)
-def no_handle_is_left() -> Iterator[None]:
-    """A Python list that was handed to managed code keeps its items until the managed collector has run."""
-    gc.collect()
-    pygc.collect()
-    before = pygc.living_handles()
-    yield
-    gc.collect()
-    pygc.collect()
-    assert pygc.living_handles() == before
+pytestmark = pytest.mark.usefixtures("no_handle_is_left")
 
 
 def triangle() -> Mesh:

@@ -114,8 +114,12 @@ internal static unsafe class FakePython
         return value;
     }
 
+    /// <summary>Runs before a reference is given up, as Python code may when an object ends.</summary>
+    public static Action<nint>? OnRelease { get; set; }
+
     public static void Release(void* python)
     {
+        OnRelease?.Invoke((nint)python);
         if (python != null && --At(python).References < 0)
         {
             throw new InvalidOperationException("A fake object was released once too often.");

@@ -185,6 +185,34 @@ public unsafe class ProxyTests : InteropTest
     }
 
     [Fact]
+    public void A_proxy_has_its_own_reference_before_it_gives_others_back()
+    {
+        PyObject* lent = FakePython.New(new List<object?>());
+        PyObject* ending = FakePython.New("ending");
+        PendingReleases.Add(ending);
+        bool dropped = false;
+        FakePython.OnRelease = python =>
+        {
+            if (python == (nint)ending && !dropped)
+            {
+                dropped = true;
+                FakePython.Release(lent);
+                Assert.Equal(1, FakePython.ReferencesOf(lent));
+            }
+        };
+        try
+        {
+            PyListProxy<double> proxy = new(lent, Elements.Double);
+            Assert.True(dropped);
+            GC.KeepAlive(proxy);
+        }
+        finally
+        {
+            FakePython.OnRelease = null;
+        }
+    }
+
+    [Fact]
     public void Another_thread_is_refused()
     {
         VariantArg record = Python(new List<object?> { 1.0 });
